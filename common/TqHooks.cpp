@@ -1,0 +1,48 @@
+#include "TqHooks.h"
+
+#include <cstdlib>
+
+namespace {
+
+const int exitStatusWithoutHook = 999;
+
+TqAssertCb assertHook = nullptr;
+TqSysExitCb sysExitHook = nullptr;
+
+template <class Hook>
+Hook Swap(Hook& installed, Hook hook) {
+    Hook previous = installed;
+    installed = hook;
+    return previous;
+}
+
+}  // namespace
+
+int tqDebugPrintOn = 0;
+
+TqAssertCb TqRegisterAssertCb(TqAssertCb hook) {
+    return Swap(assertHook, hook);
+}
+
+TqAssertCb TqUnRegisterAssertCb() {
+    return TqRegisterAssertCb(nullptr);
+}
+
+void TqCallAssert(const char* file, int line) {
+    if (assertHook != nullptr) assertHook(file, line);
+}
+
+TqSysExitCb TqRegisterSysExitCb(TqSysExitCb hook) {
+    return Swap(sysExitHook, hook);
+}
+
+TqSysExitCb TqUnRegisterSysExitCb() {
+    return TqRegisterSysExitCb(nullptr);
+}
+
+int TqCallSysExit(int status) {
+    // The given status is not used without a hook: every process that ends this way is recognised
+    // by the one number.
+    if (sysExitHook == nullptr) std::exit(exitStatusWithoutHook);
+    return sysExitHook(status);
+}

@@ -1,0 +1,37 @@
+#ifndef TQ_PRIVATE_H
+#define TQ_PRIVATE_H
+
+// What the library's sources share among themselves; not installed.
+
+#include <cstddef>
+#include <cstring>
+
+#include "TqHooks.h"
+
+/// Reports a broken precondition and goes on. The source that uses it names itself in `sourceName`,
+/// so that a report carries no path of the machine that built the library.
+#define TQ_REPORT_IF(broken)                                                     \
+    do {                                                                         \
+        if (__builtin_expect(!!(broken), 0)) TqCallAssert(sourceName, __LINE__); \
+    } while (0)
+
+/// Sets a field to zero in a destructor. Compilers drop ordinary stores into an object whose life
+/// ends; handles and lists recognise a dead object by these, so they must reach the memory.
+template <class T>
+inline void TqClearForGood(T& field) {
+    *const_cast<volatile T*>(&field) = T();
+}
+
+/// `other` as a T, whatever it is. The value types report a value of another type and then,
+/// deliberately, go on as though it were of their own.
+template <class T>
+__attribute__((no_sanitize("vptr"))) inline const T& TqTakenAs(const class TqDataType& other) {
+    return static_cast<const T&>(other);
+}
+
+/// Copies `count` bytes that may overlap; null pointers are fine when `count` is 0.
+inline void TqCopyBytes(void* to, const void* from, std::size_t count) {
+    if (count != 0) std::memmove(to, from, count);
+}
+
+#endif

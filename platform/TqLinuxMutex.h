@@ -1,0 +1,42 @@
+#ifndef TQ_LINUX_MUTEX_H
+#define TQ_LINUX_MUTEX_H
+
+#include <pthread.h>
+
+/// The mutex that the device supplies: the one thing the library asks of its platform. A device
+/// build puts its own header of this name in its own directory and points `TQ_PLATFORM_DIR` at it;
+/// README.md beside this file states what such a directory holds.
+///
+/// The contract: default constructor, destructor, and `Lock` and `Unlock` that return 0 on success
+/// and anything else on failure. The library reports a failure and goes on. The mutex is never
+/// copied.
+///
+/// This one is an error-checking POSIX mutex: a thread that locks it twice gets EDEADLK at once
+/// instead of hanging, and one that unlocks what it does not hold gets EPERM.
+class TqLinuxMutex {
+public:
+    TqLinuxMutex();
+    ~TqLinuxMutex() { pthread_mutex_destroy(&mutex); }
+
+    TqLinuxMutex(const TqLinuxMutex&) = delete;
+    TqLinuxMutex& operator=(const TqLinuxMutex&) = delete;
+
+    /// Waits for the mutex. Returns 0, or an error number and the mutex is not taken.
+    int Lock() { return pthread_mutex_lock(&mutex); }
+
+    /// Gives the mutex back. Returns 0, or an error number and nothing has changed.
+    int Unlock() { return pthread_mutex_unlock(&mutex); }
+
+private:
+    pthread_mutex_t mutex;
+};
+
+inline TqLinuxMutex::TqLinuxMutex() {
+    pthread_mutexattr_t attributes;
+    pthread_mutexattr_init(&attributes);
+    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_ERRORCHECK);
+    pthread_mutex_init(&mutex, &attributes);
+    pthread_mutexattr_destroy(&attributes);
+}
+
+#endif
