@@ -4,8 +4,10 @@
 // What the library's sources share among themselves; not installed.
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 
+#include "TqDataType.h"
 #include "TqHooks.h"
 
 /// Reports a broken precondition and goes on. The source that uses it names itself in `sourceName`,
@@ -25,13 +27,25 @@ inline void TqClearForGood(T& field) {
 /// `other` as a T, whatever it is. The value types report a value of another type and then,
 /// deliberately, go on as though it were of their own.
 template <class T>
-__attribute__((no_sanitize("vptr"))) inline const T& TqTakenAs(const class TqDataType& other) {
+__attribute__((no_sanitize("vptr"))) inline const T& TqTakenAs(const TqDataType& other) {
     return static_cast<const T&>(other);
+}
+
+/// a - b, wrapping around at 32 bits.
+inline int TqWrappedDifference(int a, int b) {
+    return static_cast<int>(static_cast<unsigned int>(a) - static_cast<unsigned int>(b));
 }
 
 /// Copies `count` bytes that may overlap; null pointers are fine when `count` is 0.
 inline void TqCopyBytes(void* to, const void* from, std::size_t count) {
     if (count != 0) std::memmove(to, from, count);
+}
+
+/// Whether `pointer` points into the `size` bytes at `storage`.
+inline bool TqLiesIn(const void* pointer, const void* storage, std::size_t size) {
+    const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(pointer);
+    const std::uintptr_t start = reinterpret_cast<std::uintptr_t>(storage);
+    return address >= start && address - start < size;
 }
 
 #endif

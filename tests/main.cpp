@@ -24,7 +24,8 @@ class ReportCollector : public testing::EmptyTestEventListener {
 
     void OnTestEnd(const testing::TestInfo&) override {
         TqUnRegisterAssertCb();
-        for (const std::string& file : TakeReports()) ADD_FAILURE() << "unexpected report: " << file;
+        for (const std::string& file : TakeReports())
+            ADD_FAILURE() << "unexpected report: " << file;
     }
 };
 

@@ -1,0 +1,65 @@
+#include "TqBoolean.h"
+
+#include "TqPrivate.h"
+#include "TqString.h"
+
+namespace {
+
+const char sourceName[] = "TqBoolean";
+
+}  // namespace
+
+short TqBoolean::typeId = 4;
+
+TqBoolean::TqBoolean(int flag) : state(flag) {}
+
+TqBoolean::TqBoolean(const char* text) : state(0) {
+    StringToValue(text);
+}
+
+TqBoolean::TqBoolean(const TqBoolean& other) : TqNumber(0), state(other.state) {}
+
+TqBoolean& TqBoolean::operator=(const TqBoolean& other) {
+    Assignment(other);
+    return *this;
+}
+
+void TqBoolean::StringToValue(const char* text) {
+    TqNumber::FromString(text);
+    state = value > 0;
+}
+
+short TqBoolean::TypeId() const {
+    return 4;
+}
+
+TqDataType* TqBoolean::Clone() const {
+    return new TqBoolean(*this);
+}
+
+void TqBoolean::ToString(TqString& out) const {
+    out = state != 0 ? "True" : "False";
+}
+
+void TqBoolean::FromString(const char* text) {
+    StringToValue(text);
+}
+
+int TqBoolean::Compare(const TqDataType& other) const {
+    TQ_REPORT_IF(other.TypeId() != 4);
+    return TqWrappedDifference(state, TqTakenAs<TqBoolean>(other).state);
+}
+
+bool TqBoolean::Equals(const TqDataType* other) const {
+    if (other == nullptr) return false;
+    TQ_REPORT_IF(TypeId() != other->TypeId());
+    return (state != 0) == (TqTakenAs<TqBoolean>(*other).state != 0);
+}
+
+void TqBoolean::Assignment(const TqDataType& other) {
+    state = TqTakenAs<TqBoolean>(other).state;
+}
+
+TqBoolean::operator int() const {
+    return state;
+}

@@ -1,0 +1,265 @@
+#include "TqBuffer.h"
+
+#include <cctype>
+#include <cstdint>
+#include <cstdlib>
+
+#include "TqItem.h"
+#include "TqPrivate.h"
+#include "TqString.h"
+
+namespace {
+
+const char sourceName[] = "TqBuffer";
+
+const unsigned int internalCapacity = sizeof(TqBuffer::internalData);
+
+// The mode is told by the capacity alone, deliberately, and not by where `data` points.
+bool IsInternal(const TqBuffer& buffer) {
+    return buffer.capacity == internalCapacity;
+}
+
+void ZeroInternalData(TqBuffer& buffer) {
+    std::memset(buffer.internalData, 0, internalCapacity);
+}
+
+// Every heap block has a byte more than its capacity: the one behind the counted bytes that PutAt
+// may store.
+unsigned char* NewBlock(unsigned int capacity) {
+    return static_cast<unsigned char*>(std::malloc(std::size_t(capacity) + 1));
+}
+
+unsigned char* HeapBlock(const TqBuffer& buffer) {
+    return IsInternal(buffer) ? nullptr : buffer.data;
+}
+
+void UseInternalData(TqBuffer& buffer) {
+    buffer.capacity = internalCapacity;
+    buffer.data = buffer.internalData;
+}
+
+void UseBlock(TqBuffer& buffer, unsigned char* block, unsigned int capacity) {
+    buffer.capacity = capacity;
+    buffer.data = block;
+}
+
+// Overwrites the storage without giving it back; `to` and `from` may be one.
+void Copy(TqBuffer& to, const TqBuffer& from) {
+    to.length = from.length;
+    to.readPosition = from.readPosition;
+    if (IsInternal(from)) {
+        TqCopyBytes(to.internalData, from.data, internalCapacity);
+        UseInternalData(to);
+        return;
+    }
+    unsigned char* block = NewBlock(from.length);
+    TqCopyBytes(block, from.data, from.length);
+    ZeroInternalData(to);
+    UseBlock(to, block, from.length);
+}
+
+bool EndsBeyond(unsigned int position, unsigned int count, unsigned int limit) {
+    return count > limit || position > limit - count;
+}
+
+unsigned int BytesLeft(const TqBuffer& buffer) {
+    return buffer.length > buffer.readPosition ? buffer.length - buffer.readPosition : 0;
+}
+
+}  // namespace
+
+short TqBuffer::typeId = 6;
+
+void TqMakeRoom(TqBuffer& buffer, unsigned int count) {
+    if (buffer.capacity - buffer.length >= count) return;
+    // Exactly what is needed, deliberately: memory is scarcer than time here.
+    const unsigned int capacity = buffer.length + count;
+    unsigned char* block;
+    if (IsInternal(buffer)) {
+        block = NewBlock(capacity);
+        TqCopyBytes(block, buffer.internalData, buffer.length);
+        ZeroInternalData(buffer);
+    } else {
+        block = static_cast<unsigned char*>(std::realloc(buffer.data, std::size_t(capacity) + 1));
+    }
+    UseBlock(buffer, block, capacity);
+}
+
+TqBuffer::TqBuffer() : length(0), readPosition(0) {
+    UseInternalData(*this);
+    ZeroInternalData(*this);
+}
+
+TqBuffer::TqBuffer(const unsigned char* bytes, unsigned int count)
+    : length(count), readPosition(0) {
+    ZeroInternalData(*this);
+    if (count > internalCapacity) {
+        UseBlock(*this, NewBlock(count), count);
+    } else {
+        UseInternalData(*this);
+    }
+    TqCopyBytes(data, bytes, count);
+}
+
+TqBuffer::TqBuffer(const TqBuffer& other) : TqDataType(other) {
+    Copy(*this, other);
+}
+
+TqBuffer::~TqBuffer() {
+    if (IsInternal(*this)) return;
+    std::free(data);
+    TqClearForGood(data);
+}
+
+TqBuffer& TqBuffer::operator=(const TqBuffer& other) {
+    unsigned char* old = HeapBlock(*this);
+    Copy(*this, other);
+    std::free(old);
+    return *this;
+}
+
+void TqBuffer::Clear() {
+    std::free(HeapBlock(*this));
+    UseInternalData(*this);
+    ZeroInternalData(*this);
+    length = 0;
+    readPosition = 0;
+}
+
+void TqBuffer::Append(const unsigned char* bytes, unsigned int count) {
+    if (bytes == nullptr) {
+        TqCallAssert(sourceName, __LINE__);
+        return;
+    }
+    const bool ownBytes = TqLiesIn(bytes, data, length);
+    const std::size_t offset = ownBytes ? static_cast<std::size_t>(bytes - data) : 0;
+    TqMakeRoom(*this, count);
+    TqCopyBytes(data + length, ownBytes ? data + offset : bytes, count);
+    length += count;
+}
+
+void TqBuffer::Insert(const unsigned char* bytes, unsigned int count, unsigned int position) {
+    if (bytes == nullptr) {
+        TqCallAssert(sourceName, __LINE__);
+        return;
+    }
+    if (count == 0) return;
+    if (position >= length) {
+        Append(bytes, count);
+        return;
+    }
+    const unsigned int total = length + count;
+    unsigned char* whole = NewBlock(total);
+    TqCopyBytes(whole, data, position);
+    TqCopyBytes(whole + position, bytes, count);
+    TqCopyBytes(whole + position + count, data + position, length - position);
+    Clear();
+    Append(whole, total);
+    std::free(whole);
+}
+
+unsigned char TqBuffer::operator[](unsigned int index) const {
+    if (index >= length) {
+        TqCallAssert(sourceName, __LINE__);
+        return 0;
+    }
+    return data[index];
+}
+
+void TqBuffer::PutAt(unsigned int index, unsigned char byte) {
+    TQ_REPORT_IF(index >= length);
+    if (index > length) return;
+    // Storing one behind the counted bytes is deliberate. Heap blocks have a spare byte for it, the
+    // full internal area has none.
+    if (index == capacity && IsInternal(*this)) return;
+    data[index] = byte;
+}
+
+bool TqBuffer::Write(const unsigned char* bytes, unsigned int count, unsigned int position) {
+    if (EndsBeyond(position, count, length)) {
+        TqCallAssert(sourceName, __LINE__);
+        return false;
+    }
+    // Ending exactly at the length is reported although the write is done: deliberate.
+    TQ_REPORT_IF(position + count == length);
+    TqCopyBytes(data + position, bytes, count);
+    return true;
+}
+
+bool TqBuffer::Read(unsigned char* destination, unsigned int count, unsigned int position) const {
+    if (EndsBeyond(position, count, length)) {
+        TqCallAssert(sourceName, __LINE__);
+        return false;
+    }
+    TqCopyBytes(destination, data + position, count);
+    return true;
+}
+
+void TqBuffer::TruncateAfter(unsigned int count) {
+    readPosition = 0;
+    if (count <= length) length = count;
+}
+
+unsigned char* TqBuffer::AdvanceReadContext(unsigned int count) {
+    if (count > BytesLeft(*this)) {
+        TqCallAssert(sourceName, __LINE__);
+        return nullptr;
+    }
+    readPosition += count;
+    return data + readPosition;
+}
+
+short TqBuffer::TypeId() const {
+    return 6;
+}
+
+TqDataType* TqBuffer::Clone() const {
+    return new TqBuffer(*this);
+}
+
+void TqBuffer::ToString(TqString& out) const {
+    for (unsigned int i = 0; i < length; ++i) {
+        out.AppendByte(std::isprint(data[i]) != 0 ? data[i] : '*');
+    }
+}
+
+void TqBuffer::FromString(const char*) {
+    TqCallAssert(sourceName, __LINE__);
+}
+
+void TqBuffer::ToBuffer(TqBuffer& out) const {
+    // Room first: the bytes then stay where they are when this buffer is written into itself.
+    TqMakeRoom(out, tqItemDigits + length);
+    TqWriteItem(out, length, data, length);
+}
+
+void TqBuffer::FromBuffer(TqBuffer& in) {
+    Clear();
+    const TqItemPayload payload = TqReadItem(in);
+    if (payload.count != 0) Append(payload.bytes, payload.count);
+}
+
+int TqBuffer::Compare(const TqDataType& other) const {
+    if (TypeId() != other.TypeId()) {
+        TqCallAssert(sourceName, __LINE__);
+        return -1;
+    }
+    const TqBuffer& buffer = TqTakenAs<TqBuffer>(other);
+    const unsigned int shorter = length < buffer.length ? length : buffer.length;
+    const int difference = std::memcmp(data, buffer.data, shorter);
+    if (difference != 0) return difference;
+    return (length > buffer.length) - (length < buffer.length);
+}
+
+bool TqBuffer::Equals(const TqDataType* other) const {
+    if (other == nullptr || TypeId() != other->TypeId()) {
+        TqCallAssert(sourceName, __LINE__);
+        return false;
+    }
+    const TqBuffer& buffer = TqTakenAs<TqBuffer>(*other);
+    return length == buffer.length && std::memcmp(data, buffer.data, length) == 0;
+}
+
+void TqBuffer::Assignment(const TqDataType& other) {
+    *this = TqTakenAs<TqBuffer>(other);
+}

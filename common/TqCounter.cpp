@@ -1,0 +1,58 @@
+#include "TqCounter.h"
+
+#include "TqPrivate.h"
+#include "TqString.h"
+
+namespace {
+
+const char sourceName[] = "TqCounter";
+
+}  // namespace
+
+short TqCounter::typeId = 3;
+
+TqCounter::TqCounter(unsigned int number) : count(number) {}
+
+TqCounter::TqCounter(const TqCounter& other) : TqNumber(0), count(other.count) {}
+
+TqCounter& TqCounter::operator=(const TqCounter& other) {
+    Assignment(other);
+    return *this;
+}
+
+short TqCounter::TypeId() const {
+    return 3;
+}
+
+TqDataType* TqCounter::Clone() const {
+    return new TqCounter(*this);
+}
+
+void TqCounter::ToString(TqString& out) const {
+    out.Empty();
+    out.AppendCounter(count);
+}
+
+void TqCounter::FromString(const char* text) {
+    TqNumber::FromString(text);
+    count = value > 0 ? static_cast<unsigned int>(value) : 0;
+}
+
+int TqCounter::Compare(const TqDataType& other) const {
+    TQ_REPORT_IF(other.TypeId() != 3);
+    return static_cast<int>(count - TqTakenAs<TqCounter>(other).count);
+}
+
+bool TqCounter::Equals(const TqDataType* other) const {
+    if (other == nullptr) return false;
+    TQ_REPORT_IF(TypeId() != other->TypeId());
+    return count == TqTakenAs<TqCounter>(*other).count;
+}
+
+void TqCounter::Assignment(const TqDataType& other) {
+    count = TqTakenAs<TqCounter>(other).count;
+}
+
+TqCounter::operator int() const {
+    return static_cast<int>(count);
+}

@@ -1,0 +1,16 @@
+#include "TqDataType.h"
+
+short TqDataType::currentFreeTypeId = 12;
+
+TqDataType::~TqDataType() {}
+
+bool TqDataType::DoesNotEqual(const TqDataType* other) const {
+    return !Equals(other);
+}
+
+void TqDataType::NextId(short* id) {
+    if (*id != 0) return;
+    *id = currentFreeTypeId;
+    // Not checked for overflow, deliberately: no process has tens of thousands of types.
+    currentFreeTypeId = static_cast<short>(currentFreeTypeId + 1);
+}

@@ -1,0 +1,95 @@
+#include "TqNumber.h"
+
+#include <cstring>
+
+#include "TqPrivate.h"
+#include "TqString.h"
+
+namespace {
+
+const char sourceName[] = "TqNumber";
+
+// The whole vocabulary of true words, kept exactly: configurations in the field use each of them.
+const char* const trueWords[] = {"T", "Y", "On", "Yes", "One", "True", "Open", "Enable", "Enabled"};
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+int ParseDigits(const char* digits, bool negative) {
+    // Unsigned, so that the wrap-around at 32 bits is defined.
+    unsigned int value = 0;
+    for (; IsDigit(*digits); ++digits)
+        value = value * 10 + static_cast<unsigned int>(*digits - '0');
+    return static_cast<int>(negative ? 0u - value : value);
+}
+
+bool IsTrueWord(const char* text) {
+    for (const char* word : trueWords) {
+        if (TqString::StringICompare(text, word) == 0) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+short TqNumber::typeId = 2;
+
+TqNumber::TqNumber(int number) : value(number) {}
+
+TqNumber::TqNumber(const TqNumber& other) : TqDataType(other), value(other.value) {}
+
+TqNumber& TqNumber::operator=(const TqNumber& other) {
+    Assignment(other);
+    return *this;
+}
+
+short TqNumber::TypeId() const {
+    return 2;
+}
+
+TqDataType* TqNumber::Clone() const {
+    return new TqNumber(*this);
+}
+
+void TqNumber::ToString(TqString& out) const {
+    out.Empty();
+    out.AppendNumber(int(*this));
+}
+
+void TqNumber::FromString(const char* text) {
+    const bool negative = *text == '-';
+    if (negative || *text == '+') ++text;
+    value = IsDigit(*text) ? ParseDigits(text, negative) : IsTrueWord(text);
+}
+
+void TqNumber::ToBuffer(TqBuffer& out) const {
+    TqString text;
+    ToString(text);
+    text.ToBuffer(out);
+}
+
+void TqNumber::FromBuffer(TqBuffer& in) {
+    TqString text;
+    text.FromBuffer(in);
+    FromString(text.data);
+}
+
+int TqNumber::Compare(const TqDataType& other) const {
+    TQ_REPORT_IF(other.TypeId() != 2);
+    return TqWrappedDifference(value, TqTakenAs<TqNumber>(other).value);
+}
+
+bool TqNumber::Equals(const TqDataType* other) const {
+    if (other == nullptr) return false;
+    TQ_REPORT_IF(TypeId() != other->TypeId());
+    return int(TqTakenAs<TqNumber>(*other)) == value;
+}
+
+void TqNumber::Assignment(const TqDataType& other) {
+    value = TqTakenAs<TqNumber>(other).value;
+}
+
+TqNumber::operator int() const {
+    return value;
+}
