@@ -1,0 +1,119 @@
+#include "TqBaseList.h"
+
+#include <cstdlib>
+
+#include "TqPrivate.h"
+
+namespace {
+
+const char sourceName[] = "TqBaseList";
+
+// The step is fixed, deliberately, whatever `allocInc` says: lists on the device are short and
+// memory is scarce.
+const unsigned int growthStep = 16;
+
+void** NewSlots(unsigned int capacity) {
+    return static_cast<void**>(std::malloc(capacity * sizeof(void*)));
+}
+
+void** CopyOfSlots(const TqBaseList& list) {
+    void** slots = NewSlots(list.capacity);
+    TqCopyBytes(slots, list.slots, (std::size_t(list.count) + 1) * sizeof(void*));
+    return slots;
+}
+
+void Resize(TqBaseList& list, unsigned int capacity) {
+    list.capacity = capacity;
+    list.slots = static_cast<void**>(std::realloc(list.slots, capacity * sizeof(void*)));
+}
+
+bool IsSlot(const TqBaseList& list, unsigned int index) {
+    return index != 0 && index <= list.count;
+}
+
+}  // namespace
+
+unsigned int TqBaseList::allocInc = 16;
+
+TqBaseList::TqBaseList()
+    : capacity(growthStep), count(0), slots(NewSlots(growthStep)), walkDepth(0) {
+    slots[0] = nullptr;
+}
+
+TqBaseList::TqBaseList(const TqBaseList& other)
+    : TqBaseObject(other),
+      capacity(other.capacity),
+      count(other.count),
+      slots(CopyOfSlots(other)),
+      walkDepth(0) {}
+
+TqBaseList& TqBaseList::operator=(const TqBaseList& other) {
+    TQ_REPORT_IF(walkDepth != 0);
+    TqBaseObject::operator=(other);
+    void** old = slots;
+    slots = CopyOfSlots(other);
+    capacity = other.capacity;
+    count = other.count;
+    std::free(old);
+    return *this;
+}
+
+TqBaseList::~TqBaseList() {
+    TQ_REPORT_IF(walkDepth != 0);
+    std::free(slots);
+    TqClearForGood(slots);
+}
+
+void TqBaseList::PreAlloc(unsigned int n) {
+    if (capacity < n) Resize(*this, n);
+}
+
+unsigned int TqBaseList::FindSlot(void* item) const {
+    TQ_REPORT_IF(item == nullptr);
+    for (unsigned int i = 1; i <= count; ++i) {
+        void* held = slots != nullptr ? slots[i] : nullptr;
+        if (held == item) return i;
+    }
+    return 0;
+}
+
+void TqBaseList::SwapItems(unsigned int a, unsigned int b) {
+    TQ_REPORT_IF(!IsSlot(*this, a));
+    TQ_REPORT_IF(!IsSlot(*this, b));
+    void* item = slots[a];
+    slots[a] = slots[b];
+    slots[b] = item;
+}
+
+void TqBaseList::RemoveAllItems() {
+    count = 0;
+}
+
+void TqBaseList::RemoveSlot(unsigned int index) {
+    // No check of the index or the count, deliberately: derived lists check before they call.
+    if (index != count) {
+        TqCopyBytes(slots + index, slots + index + 1, (count - index) * sizeof(void*));
+    }
+    --count;
+}
+
+void TqBaseList::InsertSlot(unsigned int index, void* item) {
+    if (item == nullptr) {
+        TqCallAssert(sourceName, __LINE__);
+        return;
+    }
+    ++count;
+    if (count == capacity) Resize(*this, count + growthStep);
+    if (count > index) {
+        TqCopyBytes(slots + index + 1, slots + index, (count - index) * sizeof(void*));
+    }
+    slots[index] = item;
+}
+
+void TqBaseList::ReplaceSlot(unsigned int index, void* item) {
+    if (item == nullptr) {
+        TqCallAssert(sourceName, __LINE__);
+        return;
+    }
+    slots[index] = item;
+}

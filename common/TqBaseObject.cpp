@@ -1,0 +1,77 @@
+#include "TqBaseObject.h"
+
+#include "TqClassInfo.h"
+#include "TqPrivate.h"
+
+namespace {
+
+const char sourceName[] = "TqBaseObject";
+
+// What both count operations do first. The checks are unlocked reads, and no failure keeps the
+// count from changing.
+void CheckAndLock(TqBaseObject* obj, unsigned int seq) {
+    TQ_REPORT_IF(obj->destroying != 0);
+    TQ_REPORT_IF(obj->self != obj);
+    TQ_REPORT_IF(obj->seqNum != seq);
+    TQ_REPORT_IF(obj->objectMutex.Lock() != 0);
+}
+
+}  // namespace
+
+unsigned int TqBaseObject::nextSeqNum = 1;
+
+TQ_IMPLEMENT_CLASS_MEMBERS(TqBaseObject, nullptr, nullptr)
+
+TqBaseObject::TqBaseObject() : refCount(0), seqNum(0), self(this), destroying(0) {}
+
+TqBaseObject::TqBaseObject(const TqBaseObject& other)
+    : refCount(0), seqNum(0), self(this), destroying(0) {
+    TQ_REPORT_IF(other.destroying != 0);
+}
+
+TqBaseObject& TqBaseObject::operator=(const TqBaseObject&) {
+    return *this;
+}
+
+TqBaseObject::~TqBaseObject() {
+    TQ_REPORT_IF(refCount != 0);
+    TQ_REPORT_IF(self != this);
+    TqClearForGood(seqNum);
+    TqClearForGood(self);
+}
+
+TqBaseObject* TqBaseObject::Clone() const {
+    return new TqBaseObject(*this);
+}
+
+int TqBaseObject::IsA(TqClassInfo* info) const {
+    TQ_REPORT_IF(info == nullptr);
+    TqClassInfo* own = ClassInfo();
+    TQ_REPORT_IF(own == nullptr);
+    return own == nullptr ? 0 : own->IsA(info);
+}
+
+int TqBaseObject::IsA(const char* name) const {
+    TQ_REPORT_IF(name == nullptr);
+    TqClassInfo* own = ClassInfo();
+    TQ_REPORT_IF(own == nullptr);
+    return own == nullptr ? 0 : own->IsA(name);
+}
+
+void TqBaseObject::IncrementRefCount(TqBaseObject* obj, unsigned int seq) {
+    if (obj == nullptr) return;
+    CheckAndLock(obj, seq);
+    ++obj->refCount;
+    TQ_REPORT_IF(obj->objectMutex.Unlock() != 0);
+}
+
+int TqBaseObject::DecrementRefCount(TqBaseObject* obj, unsigned int seq) {
+    if (obj == nullptr) return 0;
+    CheckAndLock(obj, seq);
+    const bool last = --obj->refCount == 0;
+    if (last) obj->destroying = 1;
+    TQ_REPORT_IF(obj->objectMutex.Unlock() != 0);
+    // Only after the unlock: the mutex goes with the object.
+    if (last) delete obj;
+    return last ? 1 : 0;
+}

@@ -1,0 +1,27 @@
+#include "TqCallback.h"
+
+#include "TqClassInfo.h"
+#include "TqPrivate.h"
+
+namespace {
+
+const char sourceName[] = "TqCallback";
+
+}  // namespace
+
+TQ_IMPLEMENT_ABSTRACT_CLASS(TqCallback, TqBaseObject)
+
+TqCallback::TqCallback(void* data) : userData(data) {}
+
+TqCallback::TqCallback(const TqCallback& other) : TqBaseObject(), userData(other.userData) {}
+
+TqCallback& TqCallback::operator=(const TqCallback&) {
+    TqCallAssert(sourceName, __LINE__);
+    return *this;
+}
+
+TqCallback::~TqCallback() {}
+
+void* TqCallback::UserData() const {
+    return userData;
+}

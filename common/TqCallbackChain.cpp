@@ -1,0 +1,31 @@
+#include "TqCallbackChain.h"
+
+#include "TqPrivate.h"
+
+namespace {
+
+const char sourceName[] = "TqCallbackChain";
+
+}  // namespace
+
+TqCallbackChain::TqCallbackChain() {}
+
+TqCallbackChain::TqCallbackChain(const TqCallbackChain&) : TqPtrList<TqCallback>() {
+    TqCallAssert(sourceName, __LINE__);
+}
+
+TqCallbackChain& TqCallbackChain::operator=(const TqCallbackChain&) {
+    TqCallAssert(sourceName, __LINE__);
+    return *this;
+}
+
+TqCallbackChain::~TqCallbackChain() {}
+
+void TqCallbackChain::Invoke(TqBaseObject* source, TqCallbackData* data) {
+    ++walkDepth;
+    // The count is read before every step: what a callback appends is invoked too.
+    for (unsigned int i = 1; i <= count; ++i) {
+        static_cast<TqCallback*>(slots[i])->Invoke(source, data);
+    }
+    --walkDepth;
+}

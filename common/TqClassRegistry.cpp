@@ -1,0 +1,97 @@
+#include "TqClassRegistry.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "TqBaseRef.h"
+#include "TqPrivate.h"
+
+namespace {
+
+const char sourceName[] = "TqClassRegistry";
+
+typedef TqRefList<TqClassInfo> ClassList;
+
+TqClassInfo* HeldInfo(const ClassList& list, unsigned int index) {
+    if (index > list.count || list.slots == nullptr) return nullptr;
+    return static_cast<TqClassInfo*>(static_cast<TqBaseObject*>(list.slots[index]));
+}
+
+// The walk that every lookup makes. The count is noted once, and a slot is not tested for null: the
+// list holds none.
+template <class Matches>
+TqClassInfo* FirstMatch(const ClassList& list, Matches matches) {
+    TqClassInfo* found = nullptr;
+    ++list.walkDepth;
+    const unsigned int count = list.count;
+    for (unsigned int i = 1; i <= count && found == nullptr; ++i) {
+        TqClassInfo* info = HeldInfo(list, i);
+        if (matches(*info)) found = info;
+    }
+    --list.walkDepth;
+    return found;
+}
+
+}  // namespace
+
+TqClassRegistry* TqClassRegistry::theRegistry = nullptr;
+
+TqClassRegistry::TqClassRegistry() {}
+
+TqClassRegistry::TqClassRegistry(const TqClassRegistry&) : TqBaseObject() {
+    TqCallAssert(sourceName, __LINE__);
+}
+
+TqClassRegistry& TqClassRegistry::operator=(const TqClassRegistry&) {
+    TqCallAssert(sourceName, __LINE__);
+    return *this;
+}
+
+TqClassRegistry::~TqClassRegistry() {
+    classList.RemoveAllItems();
+}
+
+TqClassRegistry* TqClassRegistry::GetRegistry() {
+    if (theRegistry == nullptr) theRegistry = new TqClassRegistry;
+    return theRegistry;
+}
+
+TqClassInfo* TqClassRegistry::ClassInfo(const char* name) const {
+    return FirstMatch(classList, [name](const TqClassInfo& info) {
+        return std::strcmp(info.name.data, name) == 0;
+    });
+}
+
+TqBaseObject* TqClassRegistry::NewObject(const char* name) const {
+    const TqClassInfo* info = ClassInfo(name);
+    return info == nullptr ? nullptr : info->NewObject();
+}
+
+TqClassInfo* TqClassRegistry::Find(const TqString& name) const {
+    return FirstMatch(classList, [&name](const TqClassInfo& info) {
+        return info.name.Length() == name.Length() && std::strcmp(info.name.data, name.data) == 0;
+    });
+}
+
+void TqClassRegistry::Dump() const {
+    ++classList.walkDepth;
+    // Unlike the lookups this reads the count anew before each step.
+    for (unsigned int i = 1; i <= classList.count; ++i) {
+        std::printf("Name: %s\n", HeldInfo(classList, i)->name.data);
+    }
+    --classList.walkDepth;
+}
+
+void TqClassRegistry::Remove(const char* name) {
+    TqBaseObject* info = ClassInfo(name);
+    const unsigned int index = classList.FindSlot(info);
+    // Known in the field under the name of the list's header.
+    if (index == 0 || index > classList.count) TqCallAssert("./TqRefList", __LINE__);
+    // Keeps the descriptor alive until its slot is gone.
+    const TqRef<TqClassInfo> kept(HeldInfo(classList, index));
+    classList.RemoveSlot(index);
+}
+
+int TqClassRegistry::SelfTest() {
+    return 1;
+}

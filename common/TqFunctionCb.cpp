@@ -1,0 +1,32 @@
+#include "TqFunctionCb.h"
+
+#include "TqPrivate.h"
+
+namespace {
+
+const char sourceName[] = "TqFunctionCb";
+
+}  // namespace
+
+TqFunctionCb::TqFunctionCb(void (*called)(TqFunctionCb*, TqBaseObject*, TqCallbackData*),
+                           void* data)
+    : TqCallback(data), function(called) {}
+
+TqFunctionCb::TqFunctionCb(const TqFunctionCb& other)
+    : TqCallback(other), function(other.function) {}
+
+TqFunctionCb& TqFunctionCb::operator=(const TqFunctionCb& other) {
+    TqCallback::operator=(other);
+    TqCallAssert(sourceName, __LINE__);
+    return *this;
+}
+
+TqFunctionCb::~TqFunctionCb() {}
+
+TqBaseObject* TqFunctionCb::Clone() const {
+    return new TqFunctionCb(*this);
+}
+
+void TqFunctionCb::Invoke(TqBaseObject* source, TqCallbackData* data) {
+    if (function != nullptr) function(this, source, data);
+}
