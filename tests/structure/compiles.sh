@@ -9,7 +9,7 @@ compiler=$2
 standard=$3
 shift 3
 
-command -v "$compiler" >/dev/null || { echo "$compiler is not installed"; exit 77; }
+command -v "$compiler" >/dev/null || { echo "Skipped: $compiler is not installed"; exit 77; }
 
 files=
 while [ $# -gt 0 ] && [ "$1" != -- ]; do

@@ -1,0 +1,95 @@
+# shellcheck shell=bash disable=SC2034
+# What the scripts share; sourced by bash with the repository as working directory.
+
+# Every preset, in the order of CMakePresets.json.
+presets=$(sed -n 's/^ *{"name": "\([a-z0-9]*\)", "configurePreset".*/\1/p' CMakePresets.json)
+
+# The Debian packages that a leg needs.
+packages_of() {
+    case $1 in
+        demo) echo cmake ninja-build g++ ;;
+        lint) echo g++ clang-format clang-tidy shellcheck ;;
+        *) echo cmake ninja-build g++ googletest pkg-config ;;
+    esac
+    case $1 in
+        dev | clang) echo clang ;;
+        coverage) echo gcovr ;;
+        i686) echo g++-i686-linux-gnu ;;
+        powerpc) echo g++-powerpc-linux-gnu qemu-user ;;
+    esac
+}
+
+# What a package is wanted for, where there are no Debian packages: a command or a file.
+tool_of() {
+    case $1 in
+        ninja-build) echo ninja ;;
+        clang) echo clang++ ;;
+        googletest) echo /usr/include/gtest/gtest.h ;;
+        qemu-user) echo qemu-ppc ;;
+        g++-*) echo "${1#g++-}-g++" ;;
+        *) echo "$1" ;;
+    esac
+}
+
+is_there() {
+    if command -v dpkg-query >/dev/null; then
+        [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+    else
+        command -v "$(tool_of "$1")" >/dev/null || [ -e "$(tool_of "$1")" ]
+    fi
+}
+
+# need PACKAGE...: installs what is missing. Where it cannot, it says so and goes on: the tools may
+# be there all the same.
+need() {
+    local package missing=() sudo=()
+    for package; do
+        is_there "$package" || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+
+    if ! command -v apt-get >/dev/null; then
+        echo "missing: $(for package in "${missing[@]}"; do tool_of "$package"; done | xargs)"
+        return 0
+    fi
+    if [ "$(id -u)" != 0 ]; then
+        if ! command -v sudo >/dev/null; then
+            echo "missing, and installing them takes root: ${missing[*]}"
+            return 0
+        fi
+        sudo=(sudo)
+    fi
+    echo "installing ${missing[*]}"
+    quietly "${sudo[@]}" apt-get -q -y update
+    quietly "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -y \
+        -o DPkg::Lock::Timeout=300 install --no-install-recommends "${missing[@]}" ||
+        echo "could not install all of them; going on with what is there"
+}
+
+# quietly COMMAND...: shows what the command prints only when it fails.
+quietly() {
+    local output
+    output=$("$@" 2>&1 </dev/null) && return
+    local status=$?
+    printf '%s\n' "$output"
+    return $status
+}
+
+# leg NAME COMMAND...: runs one leg of several. A failure is remembered for the summary, and the
+# next leg goes on.
+results=()
+failures=0
+leg() {
+    local name=$1 start=$SECONDS verdict=OK
+    shift
+    echo "== $name"
+    "$@" || { verdict=FAIL; failures=$((failures + 1)); }
+    results+=("$(printf '%-4s %-22s %4d s' $verdict "$name" $((SECONDS - start)))")
+}
+
+# One line per leg. Fails when one of them did.
+summary() {
+    echo
+    printf '%s\n' "${results[@]}"
+    [ $failures -eq 0 ]
+}
