@@ -2,9 +2,26 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstdlib>
+
 #include "Reports.h"
 
+// The names as an application written in another language asks for them.
+void callAssertByPlainName(const char* file, int line) __asm__("TqCallAssert");
+int callSysExitByPlainName(int status) __asm__("TqCallSysExit");
+TqAssertCb registerAssertByPlainName(TqAssertCb hook) __asm__("TqRegisterAssertCb");
+TqAssertCb unRegisterAssertByPlainName() __asm__("TqUnRegisterAssertCb");
+TqSysExitCb registerSysExitByPlainName(TqSysExitCb hook) __asm__("TqRegisterSysExitCb");
+TqSysExitCb unRegisterSysExitByPlainName() __asm__("TqUnRegisterSysExitCb");
+extern int switchByPlainName __asm__("tqDebugPrintOn");
+
 namespace {
+
+// Read before main, so before anything was installed.
+const TqAssertCb assertHookAtLoad = TqUnRegisterAssertCb();
+const TqSysExitCb exitHookAtLoad = TqUnRegisterSysExitCb();
+const int switchAtLoad = tqDebugPrintOn;
 
 const char* seenFile;
 int seenLine;
@@ -35,6 +52,25 @@ protected:
     }
     ~TqHooks() override { TqUnRegisterSysExitCb(); }
 };
+
+TEST_F(TqHooks, NothingIsInstalledAtLoad) {
+    EXPECT_EQ(assertHookAtLoad, nullptr);
+    EXPECT_EQ(exitHookAtLoad, nullptr);
+    EXPECT_EQ(switchAtLoad, 0);
+}
+
+TEST_F(TqHooks, NamesAreNotDecorated) {
+    EXPECT_EQ(registerAssertByPlainName(HookA), nullptr);
+    callAssertByPlainName("plain", 7);
+    EXPECT_STREQ(seenFile, "plain");
+    EXPECT_EQ(seenLine, 7);
+    EXPECT_EQ(unRegisterAssertByPlainName(), HookA);
+    EXPECT_EQ(registerSysExitByPlainName(ExitHookA), nullptr);
+    EXPECT_EQ(callSysExitByPlainName(8), 77);
+    EXPECT_EQ(seenStatus, 8);
+    EXPECT_EQ(unRegisterSysExitByPlainName(), ExitHookA);
+    EXPECT_EQ(&switchByPlainName, &tqDebugPrintOn);
+}
 
 TEST_F(TqHooks, CallAssertWithoutAHookReturnsQuietly) {
     testing::internal::CaptureStdout();
@@ -86,6 +122,21 @@ TEST_F(TqHooks, CallSysExitHandsOnTheStatusAndReturnsTheHooksResult) {
 TEST_F(TqHooks, CallSysExitWithoutAHookExitsWith999) {
     EXPECT_EXIT(TqCallSysExit(0), testing::ExitedWithCode(999 % 256), "");
     EXPECT_EXIT(TqCallSysExit(5), testing::ExitedWithCode(231), "");
+}
+
+TEST_F(TqHooks, CallSysExitWithoutAHookRunsTheExitHandlers) {
+    const auto exitWithAHandler = [] {
+        std::atexit([] { std::fputs("cleaned up", stderr); });
+        TqCallSysExit(0);
+    };
+    EXPECT_EXIT(exitWithAHandler(), testing::ExitedWithCode(231), "cleaned up");
+}
+
+TEST_F(TqHooks, TheTwoHooksAreIndependent) {
+    TqRegisterAssertCb(HookA);
+    TqRegisterSysExitCb(ExitHookA);
+    EXPECT_EQ(TqUnRegisterSysExitCb(), ExitHookA);
+    EXPECT_EQ(TqUnRegisterAssertCb(), HookA);
 }
 
 TEST_F(TqHooks, CallSysExitAfterUnregisteringExitsAgain) {
