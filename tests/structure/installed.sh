@@ -1,0 +1,49 @@
+#!/bin/sh
+# installed.sh BUILD_DIR EMULATOR...
+# with $CMAKE, $GENERATOR, $COMPILER, $LINK_FLAGS and $TOOLCHAIN of the build in the environment
+#
+# The installed package serves a program that has nothing else: found by CMake and by pkg-config,
+# moved to another place after the installation, with public headers only.
+build=$1
+shift
+
+here=$(cd "$(dirname "$0")" && pwd)
+room=$(mktemp -d)
+trap 'rm -rf "$room"' EXIT
+prefix=$room/moved
+
+fail() {
+    echo "$1"
+    exit 1
+}
+
+expect_42() {
+    printed=$("$@") || fail "does not run: $*"
+    [ "$printed" = 42 ] || fail "prints '$printed': $*"
+}
+
+"$CMAKE" --install "$build" --prefix "$room/prefix" >"$room/log" || fail "$(cat "$room/log")"
+mv "$room/prefix" "$prefix"
+
+for header in "$prefix"/include/tqcommon/*; do
+    if grep -q '^//.*not installed' "$header"; then fail "$header is installed"; fi
+done
+[ -e "$prefix/include/tqcommon/TqLinuxMutex.h" ] || fail "no platform header is installed"
+
+"$CMAKE" -S "$here/stranger" -B "$room/build" -G "$GENERATOR" -DCMAKE_PREFIX_PATH="$prefix" \
+    -DCMAKE_CXX_COMPILER="$COMPILER" -DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN" >"$room/log" 2>&1 ||
+    fail "$(cat "$room/log")"
+"$CMAKE" --build "$room/build" >"$room/log" 2>&1 || fail "$(cat "$room/log")"
+expect_42 "$@" "$room/build/stranger"
+
+if ! command -v pkg-config >/dev/null; then
+    echo "Skipped: pkg-config is not installed"
+    exit 77
+fi
+package=$(dirname "$(find "$prefix" -name tqcommon.pc)")
+flags=$(PKG_CONFIG_PATH=$package pkg-config --cflags --libs tqcommon) || fail "no pkg-config package"
+# shellcheck disable=SC2086  # flags are words
+"$COMPILER" "$here/stranger/main.cpp" -o "$room/stranger" $flags $LINK_FLAGS \
+    "-Wl,-rpath,$(PKG_CONFIG_PATH=$package pkg-config --variable=libdir tqcommon)" ||
+    fail "does not compile with $flags"
+expect_42 "$@" "$room/stranger"
