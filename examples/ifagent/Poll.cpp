@@ -1,0 +1,173 @@
+#include "Poll.h"
+
+#include <errno.h>
+#include <ifaddrs.h>
+#include <net/if.h>
+#include <stdio.h>
+#include <string.h>
+
+#include "Complaints.h"
+#include "LineReader.h"
+#include "ProcNetDev.h"
+
+namespace {
+
+// Adds what only this machine can tell: the interfaces' own indexes and whether they are up.
+void AskKernel(TqRefList<Interface>& interfaces) {
+    ifaddrs* addresses = nullptr;
+    if (getifaddrs(&addresses) != 0) {
+        Complain("getifaddrs: %s", strerror(errno));
+        return;
+    }
+    for (unsigned int i = 1; i <= interfaces.count; ++i) {
+        Interface* interface = ItemOf(interfaces, i);
+        const unsigned int index = if_nametoindex(interface->name.data);
+        if (index != 0) interface->index = TqNumber(static_cast<int>(index));
+
+        for (const ifaddrs* address = addresses; address != nullptr; address = address->ifa_next) {
+            if (strcmp(address->ifa_name, interface->name.data) != 0) continue;
+            const unsigned int running = IFF_UP | IFF_RUNNING;
+            interface->up = TqBoolean((address->ifa_flags & running) == running);
+            interface->upIsKnown = true;
+        }
+    }
+    freeifaddrs(addresses);
+}
+
+// Prints one item as it lies in the buffer.
+void PrintItem(TqBuffer& buffer) {
+    TqBuffer payload;
+    payload.FromBuffer(buffer);
+    TqString text;
+    payload.ToString(text);
+    printf(" %05u%s", payload.length, text.data);
+}
+
+// What makes out of the values sent how many were received.
+struct Tally {
+    unsigned int equal;
+    unsigned int tooLarge;
+    unsigned int different;
+};
+
+// A counter above this number renders right, but the parser takes its digits for a negative number
+// and gives 0: a rule of the counter, not a loss on the way.
+const unsigned int largestReadBack = 2147483647;
+
+bool WasTooLarge(const TqDataType& sent, const TqDataType& received) {
+    return sent.TypeId() == TqCounter::typeId &&
+           static_cast<const TqCounter&>(sent).count > largestReadBack &&
+           static_cast<const TqCounter&>(received).count == 0;
+}
+
+void PrintDifference(const char* name, const TqDataType& sent, const TqDataType& received) {
+    TqString sentText;
+    TqString receivedText;
+    sent.ToString(sentText);
+    received.ToString(receivedText);
+    Complain("%s: sent %s, received %s", name, sentText.data, receivedText.data);
+}
+
+void Compare(const char* name, const TqDataType& sent, const TqDataType& received, Tally& tally) {
+    if (sent.Equals(&received)) {
+        ++tally.equal;
+    } else if (WasTooLarge(sent, received)) {
+        ++tally.tooLarge;
+    } else {
+        ++tally.different;
+        PrintDifference(name, sent, received);
+    }
+}
+
+}  // namespace
+
+bool Poll::Read(const char* path) {
+    LineReader reader;
+    if (!reader.Open(path)) return false;
+
+    TqString line;
+    TqString complaint;
+    while (reader.NextLine(line)) {
+        if (IsProcNetDevHeading(line.data, reader.LineNumber())) continue;
+        if (!AppendLine(line.data, complaint)) reader.Complain(complaint.data);
+    }
+    if (interfaces.count == 0) Complain("%s: no interfaces", path);
+    if (strcmp(path, procNetDev) == 0) AskKernel(interfaces);
+    return interfaces.count > 0;
+}
+
+bool Poll::AppendLine(const char* line, TqString& complaint) {
+    TqRef<Interface> interface(new Interface);
+    Interface* row = static_cast<Interface*>(interface.object);
+    if (!ParseProcNetDevLine(line, *row, complaint)) return false;
+    if (Find(row->name.data) != nullptr) {
+        complaint = TqString("a second line for ") + row->name.data;
+        return false;
+    }
+    row->index = TqNumber(static_cast<int>(interfaces.count + 1));
+    interfaces.InsertSlot(interfaces.count + 1, interface.object);
+    return true;
+}
+
+void Poll::Send(TqBuffer& buffer) const {
+    enabled.ToBuffer(buffer);
+    TqCounter(interfaces.count).ToBuffer(buffer);
+    for (unsigned int i = 1; i <= interfaces.count; ++i) {
+        const Interface* interface = ItemOf(interfaces, i);
+        for (unsigned int v = 0; v < Interface::valueCount; ++v) {
+            interface->Value(v).ToBuffer(buffer);
+        }
+    }
+}
+
+void Poll::Receive(TqBuffer& buffer) {
+    TqCounter count;
+    enabled.FromBuffer(buffer);
+    count.FromBuffer(buffer);
+    for (unsigned int i = 1; i <= count.count && buffer.readPosition < buffer.length; ++i) {
+        Interface* interface = new Interface;
+        interfaces.InsertSlot(interfaces.count + 1, static_cast<TqBaseObject*>(interface));
+        for (unsigned int v = 0; v < Interface::valueCount; ++v) {
+            interface->Value(v).FromBuffer(buffer);
+        }
+    }
+}
+
+Interface* Poll::Find(const char* name) const {
+    for (unsigned int i = 1; i <= interfaces.count; ++i) {
+        if (strcmp(ItemOf(interfaces, i)->name.data, name) == 0) return ItemOf(interfaces, i);
+    }
+    return nullptr;
+}
+
+void PrintItems(TqBuffer buffer) {
+    printf("\nItems, from byte\n%6u ", 0U);
+    PrintItem(buffer);
+    PrintItem(buffer);
+    while (buffer.readPosition < buffer.length) {
+        printf("\n%6u ", buffer.readPosition);
+        for (unsigned int v = 0; v < Interface::valueCount; ++v) PrintItem(buffer);
+    }
+    printf("\n");
+}
+
+void ComparePolls(const Poll& sent, const Poll& received, unsigned int byteCount) {
+    Tally tally = {};
+    Compare("poll", sent.enabled, received.enabled, tally);
+    Compare("count", TqCounter(sent.interfaces.count), TqCounter(received.interfaces.count), tally);
+    for (unsigned int i = 1; i <= received.interfaces.count; ++i) {
+        const Interface* one = ItemOf(sent.interfaces, i);
+        const Interface* other = ItemOf(received.interfaces, i);
+        for (unsigned int v = 0; v < Interface::valueCount; ++v) {
+            Compare(one->name.data, one->Value(v), other->Value(v), tally);
+        }
+    }
+
+    printf("\n%u values in %u bytes, read back: %u equal",
+           tally.equal + tally.tooLarge + tally.different, byteCount, tally.equal);
+    if (tally.tooLarge > 0) {
+        printf(", %u above %u and so read back as 0", tally.tooLarge, largestReadBack);
+    }
+    if (tally.different > 0) printf(", %u DIFFERENT", tally.different);
+    printf("\n");
+}

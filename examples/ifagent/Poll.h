@@ -1,0 +1,47 @@
+#ifndef POLL_H
+#define POLL_H
+
+#include "Interface.h"
+#include "TqBaseRef.h"
+#include "TqBaseRefList.h"
+#include "TqBoolean.h"
+#include "TqBuffer.h"
+
+/// The item at `index`, from 1, of a reference list.
+template <class T>
+T* ItemOf(const TqRefList<T>& list, unsigned int index) {
+    return static_cast<T*>(static_cast<TqBaseObject*>(list.slots[index]));
+}
+
+/// The interfaces as they were found at one moment.
+class Poll : public TqBaseObject {
+public:
+    /// Appends an interface for each line of `path`. A malformed line is complained of and left
+    /// out. Returns whether there is an interface at all.
+    bool Read(const char* path);
+
+    /// Appends the items of all values to `buffer`, behind the number of interfaces.
+    void Send(TqBuffer& buffer) const;
+
+    /// Takes over what `Send` has written, at the read position of `buffer`.
+    void Receive(TqBuffer& buffer);
+
+    /// The interface with that name, or null.
+    Interface* Find(const char* name) const;
+
+    TqBoolean enabled;  ///< the "poll" line of the configuration under which this was read
+    TqRefList<Interface> interfaces;
+
+private:
+    bool AppendLine(const char* line, TqString& complaint);
+};
+
+/// Prints the items of `buffer` as `Poll::Send` writes them, an interface to a line.
+void PrintItems(TqBuffer buffer);
+
+/// Compares each value that was sent with the one that was received, and prints how many there are
+/// and how many are equal. A difference that the rules of the values do not explain is complained
+/// of.
+void ComparePolls(const Poll& sent, const Poll& received, unsigned int byteCount);
+
+#endif
