@@ -5,8 +5,9 @@
 
 namespace {
 
-enum Column { nameColumn, indexColumn, upColumn, firstCounterColumn };
-
+const unsigned int indexColumn = 1;
+const unsigned int upColumn = 2;
+const unsigned int firstCounterColumn = 3;
 const unsigned int columnCount = firstCounterColumn + interfaceCounterCount;
 const char* const headings[firstCounterColumn] = {"interface", "index", "up"};
 
