@@ -2,7 +2,7 @@
 # What the scripts share; sourced by bash with the repository as working directory.
 
 # Every preset, in the order of CMakePresets.json.
-presets=$(sed -n 's/^ *{"name": "\([a-z0-9]*\)", "configurePreset".*/\1/p' CMakePresets.json)
+presets=$(sed -n 's/^ *{"name": "\([a-z0-9-]*\)", "configurePreset".*/\1/p' CMakePresets.json)
 
 # The Debian packages that a leg needs.
 packages_of() {
@@ -15,7 +15,11 @@ packages_of() {
         dev | clang) echo clang ;;
         coverage) echo gcovr ;;
         i686) echo g++-i686-linux-gnu ;;
-        powerpc) echo g++-powerpc-linux-gnu qemu-user ;;
+        powerpc*) echo g++-powerpc-linux-gnu qemu-user ;;
+        mips) echo g++-mips-linux-gnu qemu-user ;;
+    esac
+    case $1 in
+        release | i686 | powerpc* | mips) echo abigail-tools python3 ;;
     esac
 }
 
@@ -26,6 +30,7 @@ tool_of() {
         clang) echo clang++ ;;
         googletest) echo /usr/include/gtest/gtest.h ;;
         qemu-user) echo qemu-ppc ;;
+        abigail-tools) echo abidiff ;;
         g++-*) echo "${1#g++-}-g++" ;;
         *) echo "$1" ;;
     esac

@@ -1,15 +1,23 @@
 #!/bin/sh
 # exports.sh NM READELF LIBRARY
 #
-# The shared library exports its public interface and nothing else, and needs nothing but the C and
-# C++ libraries.
+# The shared library exports its public interface, each name under a version of the library, and
+# nothing else, and needs nothing but the C and C++ libraries.
 export LC_ALL=C
 nm=$1
 readelf=$2
 library=$3
 failed=0
 
-exported=$("$nm" -DC --defined-only "$library" | sed 's/^[0-9a-f]* *[A-Za-z] //')
+versioned=$("$nm" -DC --defined-only "$library" | sed 's/^[0-9a-f]* *[A-Za-z] //' |
+    grep -v '^TQCOMMON_[0-9.]*\(@.*\)\?$')
+unversioned=$(echo "$versioned" | grep -v '@@TQCOMMON_[0-9.]*$')
+if [ -n "$unversioned" ]; then
+    echo "$library exports without a version:"
+    echo "$unversioned"
+    failed=1
+fi
+exported=$(echo "$versioned" | sed 's/@@TQCOMMON_[0-9.]*$//')
 if ! echo "$exported" | grep -q '^TqRegisterAssertCb$'; then
     echo "$library exports no TqRegisterAssertCb"
     failed=1
