@@ -7,5 +7,6 @@ set(CMAKE_FIND_ROOT_PATH /usr/i686-linux-gnu)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+# The old kind of run path, which is looked up for the libraries' own needs as well.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-Wl,--dynamic-linker=/usr/i686-linux-gnu/lib/ld-linux.so.2 \
--Wl,-rpath,/usr/i686-linux-gnu/lib")
+-Wl,--disable-new-dtags,-rpath,/usr/i686-linux-gnu/lib")
