@@ -1,0 +1,102 @@
+#include "TqDateTime.h"
+
+#include <cstdio>
+
+#include "TqPrivate.h"
+
+namespace {
+
+const char sourceName[] = "TqDateTime";
+
+const unsigned int longestNumber = sizeof "-2147483648" - 1;
+
+}  // namespace
+
+short TqDateTime::typeId = 10;
+
+TqDateTime::TqDateTime() : time() {
+    SetNow();
+}
+
+TqDateTime::TqDateTime(const tm* t) : time() {
+    SetTime(t);
+}
+
+// Deliberately takes nothing over.
+TqDateTime::TqDateTime(const TqDateTime& other) : TqDataType(other), time() {
+    TqCallAssert(sourceName, __LINE__);
+}
+
+TqDateTime::~TqDateTime() {}
+
+TqDateTime& TqDateTime::operator=(const TqDateTime& other) {
+    SetTime(&other.time);
+    return *this;
+}
+
+void TqDateTime::SetNow() {
+    const time_t now = ::time(nullptr);
+    tm utc;
+    SetTime(gmtime_r(&now, &utc));
+}
+
+void TqDateTime::SetTime(const tm* t) {
+    time.tm_sec = t->tm_sec;
+    time.tm_min = t->tm_min;
+    time.tm_hour = t->tm_hour;
+    time.tm_mday = t->tm_mday;
+    time.tm_mon = t->tm_mon;
+    time.tm_year = t->tm_year;
+    time.tm_wday = t->tm_wday;
+    time.tm_yday = t->tm_yday;
+    time.tm_isdst = t->tm_isdst;
+}
+
+short TqDateTime::TypeId() const {
+    return 10;
+}
+
+TqDataType* TqDateTime::Clone() const {
+    return new TqDateTime(*this);
+}
+
+void TqDateTime::ToString(TqString& out) const {
+    // The members are written as they are stored, and a January (month 0) shows no date: both
+    // deliberate, the readers of these texts count on them.
+    const bool hasDate = time.tm_year != 0 && time.tm_mday != 0 && time.tm_mon != 0;
+    char written[6 * longestNumber + sizeof "// ::"];
+    int length = 0;
+    if (hasDate) {
+        length = std::snprintf(written, sizeof written, "%2.2d/%2.2d/%4.4d ", time.tm_mon,
+                               time.tm_mday, time.tm_year);
+    }
+    length += std::snprintf(written + length, sizeof written - static_cast<unsigned int>(length),
+                            "%2.2d:%2.2d:%2.2d", time.tm_hour, time.tm_min, time.tm_sec);
+    out.SetValue(written, static_cast<unsigned int>(length));
+}
+
+void TqDateTime::FromString(const char*) {
+    TqCallAssert(sourceName, __LINE__);
+}
+
+void TqDateTime::ToBuffer(TqBuffer&) const {
+    TqCallAssert(sourceName, __LINE__);
+}
+
+void TqDateTime::FromBuffer(TqBuffer&) {
+    TqCallAssert(sourceName, __LINE__);
+}
+
+int TqDateTime::Compare(const TqDataType&) const {
+    TqCallAssert(sourceName, __LINE__);
+    return 0;
+}
+
+bool TqDateTime::Equals(const TqDataType*) const {
+    TqCallAssert(sourceName, __LINE__);
+    return false;
+}
+
+void TqDateTime::Assignment(const TqDataType& other) {
+    time = TqTakenAs<TqDateTime>(other).time;
+}
