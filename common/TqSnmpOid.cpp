@@ -1,0 +1,239 @@
+#include "TqSnmpOid.h"
+
+#include <cstdlib>
+
+#include "TqPrivate.h"
+#include "TqString.h"
+
+namespace {
+
+const char sourceName[] = "TqSnmpOid";
+
+const unsigned int internalCapacity = 16;
+
+const unsigned int dorvaneSubtree[] = {1, 3, 6, 1, 4, 1, 61999};
+const unsigned int malvickSubtree[] = {1, 3, 6, 1, 4, 1, 61999, 1};
+
+std::size_t BytesOf(unsigned int count) {
+    return count * sizeof(unsigned int);
+}
+
+unsigned int* NewBlock(unsigned int capacity) {
+    return static_cast<unsigned int*>(std::malloc(BytesOf(capacity)));
+}
+
+unsigned int* HeapBlock(TqSnmpOid& oid) {
+    return oid.values == oid.internalValues ? nullptr : oid.values;
+}
+
+void UseInternalValues(TqSnmpOid& oid) {
+    oid.values = oid.internalValues;
+    oid.count = 0;
+    oid.capacity = internalCapacity;
+}
+
+void AppendAll(TqSnmpOid& oid, const unsigned long* numbers, unsigned int count) {
+    for (unsigned int i = 0; i < count; ++i) oid.Append(numbers[i]);
+}
+
+unsigned int SmallestMultiple(unsigned int step, unsigned int needed) {
+    return step * (needed / step + (needed % step != 0));
+}
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+void Parse(TqSnmpOid& oid, const char* text) {
+    if (*text == '\0') return;
+    TQ_REPORT_IF(!IsDigit(*text));
+    // Append keeps the low 32 bits: those of a number that wraps around at 32 bits.
+    unsigned long number = 0;
+    for (; *text != '\0'; ++text) {
+        if (IsDigit(*text)) {
+            number = number * 10 + static_cast<unsigned long>(*text - '0');
+            continue;
+        }
+        TQ_REPORT_IF(*text != '.');
+        oid.Append(number);
+        number = 0;
+    }
+    oid.Append(number);
+}
+
+bool BeginsWith(const TqSnmpOid& oid, const unsigned int* subtree, unsigned int count) {
+    if (oid.count < count) return false;
+    for (unsigned int i = 0; i < count; ++i) {
+        if (oid.values[i] != subtree[i]) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+short TqSnmpOid::typeId = 0;
+const unsigned int TqSnmpOid::maxInternalValues;
+
+TqSnmpOid::TqSnmpOid(const char* text) : internalValues() {
+    UseInternalValues(*this);
+    Parse(*this, text);
+}
+
+TqSnmpOid::TqSnmpOid(const unsigned long* numbers, unsigned int n) : internalValues() {
+    UseInternalValues(*this);
+    AppendAll(*this, numbers, n);
+}
+
+TqSnmpOid::TqSnmpOid(const TqSnmpOid& other) : TqDataType(other), internalValues() {
+    UseInternalValues(*this);
+    count = other.count;
+    if (count > internalCapacity) {
+        capacity = SmallestMultiple(internalCapacity, count);
+        values = NewBlock(capacity);
+    }
+    TqCopyBytes(values, other.values, BytesOf(count));
+}
+
+TqSnmpOid::~TqSnmpOid() {
+    std::free(HeapBlock(*this));
+}
+
+TqSnmpOid& TqSnmpOid::operator=(const TqSnmpOid& other) {
+    Assignment(other);
+    return *this;
+}
+
+void TqSnmpOid::Append(unsigned long number) {
+    CheckAllocSize(count + 1);
+    values[count] = static_cast<unsigned int>(number);
+    ++count;
+}
+
+void TqSnmpOid::Append(const TqSnmpOid& other) {
+    const unsigned int added = other.count;
+    CheckAllocSize(count + added);
+    TqCopyBytes(values + count, other.values, BytesOf(added));
+    count += added;
+}
+
+void TqSnmpOid::Append(const char* text) {
+    const TqSnmpOid parsed(text);
+    Append(parsed);
+}
+
+void TqSnmpOid::CheckAllocSize(unsigned int needed) {
+    if (needed <= capacity) return;
+    capacity = SmallestMultiple(capacity, needed);
+    if (HeapBlock(*this) == nullptr) {
+        values = NewBlock(capacity);
+        TqCopyBytes(values, internalValues, BytesOf(count));
+    } else {
+        values = static_cast<unsigned int*>(std::realloc(values, BytesOf(capacity)));
+    }
+}
+
+void TqSnmpOid::SetValues(const unsigned long* numbers, unsigned int n) {
+    std::free(HeapBlock(*this));
+    UseInternalValues(*this);
+    AppendAll(*this, numbers, n);
+}
+
+void TqSnmpOid::Reset() {
+    std::free(HeapBlock(*this));
+    UseInternalValues(*this);
+    std::memset(internalValues, 0, sizeof internalValues);
+}
+
+void TqSnmpOid::Increment() {
+    if (count > 0) ++values[count - 1];
+}
+
+void TqSnmpOid::IncrementTableRow() {
+    if (count >= 2) ++values[count - 2];
+}
+
+bool TqSnmpOid::SameTable(const TqSnmpOid& other) const {
+    if (other.count < count) return false;
+    // The first sub-identifier is left out, deliberately.
+    for (unsigned int i = 1; i < count; ++i) {
+        if (values[i] != other.values[i]) return false;
+    }
+    return true;
+}
+
+bool TqSnmpOid::IsDorvane() const {
+    return BeginsWith(*this, dorvaneSubtree, 7);
+}
+
+bool TqSnmpOid::IsMalvick() const {
+    return BeginsWith(*this, malvickSubtree, 8);
+}
+
+short TqSnmpOid::TypeId() const {
+    NextId(&typeId);
+    return typeId;
+}
+
+TqDataType* TqSnmpOid::Clone() const {
+    return new TqSnmpOid(*this);
+}
+
+void TqSnmpOid::ToString(TqString& out) const {
+    out = "";
+    for (unsigned int i = 0; i < count; ++i) {
+        if (i != 0) out.AppendChar('.');
+        // As a signed number, deliberately: agents in the field parse the large ones that way.
+        out.AppendNumber(static_cast<int>(values[i]));
+    }
+}
+
+void TqSnmpOid::FromString(const char* text) {
+    count = 0;
+    Parse(*this, text);
+}
+
+// Deliberately empty, like FromBuffer: identifiers travel in packets of their own protocol only.
+void TqSnmpOid::ToBuffer(TqBuffer&) const {}
+
+void TqSnmpOid::FromBuffer(TqBuffer&) {}
+
+int TqSnmpOid::Compare(const TqDataType& other) const {
+    TQ_REPORT_IF(other.TypeId() != TypeId());
+    const TqSnmpOid& oid = TqTakenAs<TqSnmpOid>(other);
+    for (unsigned int i = 0; i < count && i < oid.count; ++i) {
+        if (values[i] != oid.values[i]) return values[i] < oid.values[i] ? -1 : 1;
+    }
+    return (count > oid.count) - (count < oid.count);
+}
+
+bool TqSnmpOid::Equals(const TqDataType* other) const {
+    if (other == nullptr) return false;
+    TQ_REPORT_IF(other->TypeId() != TypeId());
+    const TqSnmpOid& oid = TqTakenAs<TqSnmpOid>(*other);
+    if (count != oid.count) return false;
+    // From the end: identifiers of one agent begin alike.
+    for (unsigned int i = count; i > 0; --i) {
+        if (values[i - 1] != oid.values[i - 1]) return false;
+    }
+    return true;
+}
+
+void TqSnmpOid::Assignment(const TqDataType& other) {
+    // Asked first: it may be this call that assigns the id of the type.
+    const short otherTypeId = other.TypeId();
+    TQ_REPORT_IF(otherTypeId != typeId);
+    const TqSnmpOid& oid = TqTakenAs<TqSnmpOid>(other);
+    count = oid.count;
+    if (count > capacity) {
+        std::free(HeapBlock(*this));
+        capacity = SmallestMultiple(capacity, count);
+        values = NewBlock(capacity);
+    }
+    TqCopyBytes(values, oid.values, BytesOf(count));
+}
+
+TqString* TqSnmpOid::Convert() const {
+    TqString* text = new TqString;
+    ToString(*text);
+    return text;
+}
