@@ -40,17 +40,17 @@ void TqCounter::FromString(const char* text) {
 
 int TqCounter::Compare(const TqDataType& other) const {
     TQ_REPORT_IF(other.TypeId() != 3);
-    return static_cast<int>(count - TqFieldTakenAs(other, &TqCounter::count));
+    return static_cast<int>(count - TqTakenAs<TqCounter>(other).count);
 }
 
 bool TqCounter::Equals(const TqDataType* other) const {
     if (other == nullptr) return false;
     TQ_REPORT_IF(TypeId() != other->TypeId());
-    return count == TqFieldTakenAs(*other, &TqCounter::count);
+    return count == TqTakenAs<TqCounter>(*other).count;
 }
 
 void TqCounter::Assignment(const TqDataType& other) {
-    count = TqFieldTakenAs(other, &TqCounter::count);
+    count = TqTakenAs<TqCounter>(other).count;
 }
 
 TqCounter::operator int() const {

@@ -8,7 +8,12 @@
 #include "TqBuffer.h"
 #include "TqCounter.h"
 #include "TqDataType.h"
+#include "TqDateTime.h"
+#include "TqFloat.h"
+#include "TqIpAddress.h"
+#include "TqNetworkMask.h"
 #include "TqNumber.h"
+#include "TqSnmpOid.h"
 #include "TqString.h"
 
 // A program that was linked against an earlier library reads these fields and calls through these
@@ -29,6 +34,18 @@ static_assert(std::is_same<decltype(TqBuffer::internalData), unsigned char[64]>:
 static_assert(std::is_same<decltype(TqNumber::value), int>::value, "");
 static_assert(std::is_same<decltype(TqCounter::count), unsigned int>::value, "");
 static_assert(std::is_same<decltype(TqBoolean::state), int>::value, "");
+static_assert(std::is_same<decltype(TqFloat::value), float>::value, "");
+static_assert(std::is_same<decltype(TqDateTime::time), tm>::value, "");
+static_assert(std::is_same<decltype(TqDateTime::text), TqString>::value, "");
+static_assert(std::is_same<decltype(TqSnmpOid::values), unsigned int*>::value, "");
+static_assert(std::is_same<decltype(TqSnmpOid::count), unsigned int>::value, "");
+static_assert(std::is_same<decltype(TqSnmpOid::capacity), unsigned int>::value, "");
+static_assert(std::is_same<decltype(TqSnmpOid::internalValues), unsigned int[16]>::value, "");
+static_assert(std::is_same<decltype(TqSnmpOid::maxInternalValues), const unsigned int>::value, "");
+static_assert(std::is_same<decltype(TqIpAddress::address), unsigned int>::value, "");
+static_assert(std::is_same<decltype(TqIpAddress::valid), int>::value, "");
+static_assert(std::is_base_of<TqIpAddress, TqNetworkMask>::value, "");
+static_assert(sizeof(TqNetworkMask) == sizeof(TqIpAddress), "a mask adds no field");
 static_assert(std::is_base_of<TqNumber, TqCounter>::value, "");
 static_assert(std::is_base_of<TqNumber, TqBoolean>::value, "");
 
@@ -62,6 +79,30 @@ TEST(Layout, FieldsOfABoolean) {
     EXPECT_EQ(LayoutOf(b, b.value, b.state), PerTarget({4, 8, 12}, {8, 12, 16}));
 }
 
+TEST(Layout, FieldsOfAFloat) {
+    const TqFloat f;
+    EXPECT_EQ(LayoutOf(f, f.value), PerTarget({4, 8}, {8, 16}));
+}
+
+TEST(Layout, FieldsOfADate) {
+    const TqDateTime d;
+    EXPECT_EQ(LayoutOf(d, d.time, d.text), PerTarget({4, 48, 100}, {8, 64, 128}));
+}
+
+TEST(Layout, FieldsOfAnObjectIdentifier) {
+    const TqSnmpOid o("");
+    const Offsets layout = LayoutOf(o, o.values, o.count, o.capacity, o.internalValues);
+    EXPECT_TRUE(StrictlyIncreasing(layout));
+    EXPECT_EQ(layout, PerTarget({4, 8, 12, 16, 80}, {8, 16, 20, 24, 88}));
+}
+
+TEST(Layout, FieldsOfAnAddress) {
+    const TqIpAddress a;
+    EXPECT_EQ(LayoutOf(a, a.address, a.valid), PerTarget({4, 8, 12}, {8, 12, 16}));
+    const TqNetworkMask m;
+    EXPECT_EQ(LayoutOf(m, m.address, m.valid), PerTarget({4, 8, 12}, {8, 12, 16}));
+}
+
 // The slots that every value type shares, asked of the type itself: an operation that a type
 // redeclares with another signature would stand elsewhere.
 template <class T>
@@ -88,6 +129,9 @@ TEST(Layout, SlotsOfAValue) {
     ExpectTheSlotsOfAValue<TqNumber>();
     ExpectTheSlotsOfAValue<TqCounter>();
     ExpectTheSlotsOfAValue<TqBoolean>();
+    ExpectTheSlotsOfAValue<TqFloat>();
+    ExpectTheSlotsOfAValue<TqDateTime>();
+    ExpectTheSlotsOfAValue<TqSnmpOid>();
 }
 
 TEST(Layout, SlotsThatAStringAdds) {
@@ -105,10 +149,28 @@ TEST(Layout, SlotThatANumberAdds) {
     EXPECT_EQ(SlotOf(&TqBoolean::operator int), 12);
 }
 
+TEST(Layout, SlotThatAnObjectIdentifierAdds) {
+    EXPECT_EQ(SlotOf(&TqSnmpOid::Convert), 12);
+}
+
+template <class T>
+void ExpectTheSlotsOfAnAddress() {
+    EXPECT_EQ(SlotOf(&T::fromUInt32), 2);
+    EXPECT_EQ(SlotOf(&T::fromString), 3);
+    EXPECT_EQ(SlotOf(&T::getIpAddress), 4);
+    EXPECT_EQ(SlotOf(&T::toString), 5);
+}
+
+TEST(Layout, SlotsOfAddressesAndMasks) {
+    ExpectTheSlotsOfAnAddress<TqIpAddress>();
+    ExpectTheSlotsOfAnAddress<TqNetworkMask>();
+}
+
 // Whatever a class derived from T adds gets the slot behind T's last.
 template <class T>
 class Derived : public T {
 public:
+    using T::T;
     virtual void Next() {}
 };
 
@@ -118,6 +180,11 @@ TEST(Layout, NoTypeHasFurtherSlots) {
     EXPECT_EQ(SlotOf(&Derived<TqNumber>::Next), 13);
     EXPECT_EQ(SlotOf(&Derived<TqCounter>::Next), 13);
     EXPECT_EQ(SlotOf(&Derived<TqBoolean>::Next), 13);
+    EXPECT_EQ(SlotOf(&Derived<TqFloat>::Next), 12);
+    EXPECT_EQ(SlotOf(&Derived<TqDateTime>::Next), 12);
+    EXPECT_EQ(SlotOf(&Derived<TqSnmpOid>::Next), 13);
+    EXPECT_EQ(SlotOf(&Derived<TqIpAddress>::Next), 6);
+    EXPECT_EQ(SlotOf(&Derived<TqNetworkMask>::Next), 6);
 }
 
 TEST(Layout, OtherOperationsAreNotVirtual) {
@@ -128,6 +195,17 @@ TEST(Layout, OtherOperationsAreNotVirtual) {
     EXPECT_EQ(SlotOf(&TqBuffer::Clear), -1);
     EXPECT_EQ(SlotOf(&TqBuffer::AdvanceReadContext), -1);
     EXPECT_EQ(SlotOf(&TqBoolean::StringToValue), -1);
+    EXPECT_EQ(SlotOf(&TqDateTime::SetNow), -1);
+    EXPECT_EQ(SlotOf(&TqDateTime::SetTime), -1);
+    EXPECT_EQ(SlotOf(&TqSnmpOid::CheckAllocSize), -1);
+    EXPECT_EQ(SlotOf(&TqSnmpOid::SetValues), -1);
+    EXPECT_EQ(SlotOf(&TqSnmpOid::Reset), -1);
+    EXPECT_EQ(SlotOf(&TqSnmpOid::Increment), -1);
+    EXPECT_EQ(SlotOf(&TqSnmpOid::SameTable), -1);
+    EXPECT_EQ(SlotOf(static_cast<void (TqSnmpOid::*)(unsigned long)>(&TqSnmpOid::Append)), -1);
+    EXPECT_EQ(SlotOf(static_cast<void (TqIpAddress::*)(unsigned long)>(&TqIpAddress::LogicalAND)),
+              -1);
+    EXPECT_EQ(SlotOf(&TqIpAddress::operator unsigned long), -1);
 }
 
 }  // namespace

@@ -7,12 +7,9 @@
 #include "TqNumber.h"
 #include "TqString.h"
 
-/// The values of an interface, in the order in which they are sent and shown.
-enum InterfaceValue : unsigned int {
-    nameValue,
-    indexValue,
-    upValue,
-    inOctets,  // from here on, counters
+/// The counters of an interface, in the order in which they are sent and shown.
+enum InterfaceCounter {
+    inOctets,
     inUcastPkts,
     inNUcastPkts,
     inDiscards,
@@ -21,44 +18,40 @@ enum InterfaceValue : unsigned int {
     outUcastPkts,
     outDiscards,
     outErrors,
-    interfaceValueCount
+    interfaceCounterCount
 };
 
-const unsigned int firstCounter = inOctets;
-const unsigned int interfaceCounterCount = interfaceValueCount - firstCounter;
-
-/// What a value is called.
-struct InterfaceValueName {
+/// What a counter is called.
+struct InterfaceCounterName {
     unsigned int column;  ///< its column in the interface table that managers read
     const char* name;     ///< that column's name
     const char* heading;  ///< what a person calls it
 };
 
-extern const InterfaceValueName interfaceValueNames[interfaceValueCount];
+extern const InterfaceCounterName interfaceCounterNames[interfaceCounterCount];
 
 /// One interface as one poll saw it, in the library's values.
 ///
 /// The counters are 32 bits wide, as managers expect them; the kernel's have 64. What does not fit
-/// is kept modulo 2^32.
+/// is kept modulo 2^32, and `wrapped` says so.
 class Interface : public TqBaseObject {
 public:
     Interface();
 
-    /// A value, as one of any type; `index` is an `InterfaceValue`.
+    /// Name, index, up and the counters, as values of any type: what is sent, in that order.
     TqDataType& Value(unsigned int i);
     const TqDataType& Value(unsigned int i) const;
 
     /// Stores what the kernel has counted.
-    void SetCounter(InterfaceValue counter, unsigned long long kernelCount);
+    void SetCounter(InterfaceCounter counter, unsigned long long count);
 
-    /// Whether the value is a counter that is less than what the kernel has counted.
-    bool IsWrapped(unsigned int i) const;
+    static const unsigned int valueCount = 3 + interfaceCounterCount;
 
     TqString name;
     TqNumber index;
     TqBoolean up;
-    bool upIsKnown;  ///< false for an interface of another machine
     TqCounter counters[interfaceCounterCount];
+    bool upIsKnown;  ///< false for an interface of another machine
     bool wrapped[interfaceCounterCount];
 };
 
