@@ -47,17 +47,17 @@ void TqBoolean::FromString(const char* text) {
 
 int TqBoolean::Compare(const TqDataType& other) const {
     TQ_REPORT_IF(other.TypeId() != 4);
-    return TqWrappedDifference(state, TqTakenAs<TqBoolean>(other).state);
+    return TqWrappedDifference(state, TqFieldTakenAs(other, &TqBoolean::state));
 }
 
 bool TqBoolean::Equals(const TqDataType* other) const {
     if (other == nullptr) return false;
     TQ_REPORT_IF(TypeId() != other->TypeId());
-    return (state != 0) == (TqTakenAs<TqBoolean>(*other).state != 0);
+    return (state != 0) == (TqFieldTakenAs(*other, &TqBoolean::state) != 0);
 }
 
 void TqBoolean::Assignment(const TqDataType& other) {
-    state = TqTakenAs<TqBoolean>(other).state;
+    state = TqFieldTakenAs(other, &TqBoolean::state);
 }
 
 TqBoolean::operator int() const {

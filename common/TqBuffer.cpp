@@ -29,6 +29,11 @@ unsigned char* NewBlock(unsigned int capacity) {
     return static_cast<unsigned char*>(std::malloc(std::size_t(capacity) + 1));
 }
 
+// How many bytes there are at `data`, counted or not.
+std::size_t StorageSize(const TqBuffer& buffer) {
+    return IsInternal(buffer) ? internalCapacity : std::size_t(buffer.capacity) + 1;
+}
+
 unsigned char* HeapBlock(const TqBuffer& buffer) {
     return IsInternal(buffer) ? nullptr : buffer.data;
 }
@@ -77,7 +82,7 @@ void TqMakeRoom(TqBuffer& buffer, unsigned int count) {
     unsigned char* block;
     if (IsInternal(buffer)) {
         block = NewBlock(capacity);
-        TqCopyBytes(block, buffer.internalData, buffer.length);
+        TqCopyBytes(block, buffer.internalData, internalCapacity);
         ZeroInternalData(buffer);
     } else {
         block = static_cast<unsigned char*>(std::realloc(buffer.data, std::size_t(capacity) + 1));
@@ -131,7 +136,7 @@ void TqBuffer::Append(const unsigned char* bytes, unsigned int count) {
         TqCallAssert(sourceName, __LINE__);
         return;
     }
-    const bool ownBytes = TqLiesIn(bytes, data, length);
+    const bool ownBytes = TqLiesIn(bytes, data, StorageSize(*this));
     const std::size_t offset = ownBytes ? static_cast<std::size_t>(bytes - data) : 0;
     TqMakeRoom(*this, count);
     TqCopyBytes(data + length, ownBytes ? data + offset : bytes, count);

@@ -40,17 +40,17 @@ void TqCounter::FromString(const char* text) {
 
 int TqCounter::Compare(const TqDataType& other) const {
     TQ_REPORT_IF(other.TypeId() != 3);
-    return static_cast<int>(count - TqTakenAs<TqCounter>(other).count);
+    return static_cast<int>(count - TqFieldTakenAs(other, &TqCounter::count));
 }
 
 bool TqCounter::Equals(const TqDataType* other) const {
     if (other == nullptr) return false;
     TQ_REPORT_IF(TypeId() != other->TypeId());
-    return count == TqTakenAs<TqCounter>(*other).count;
+    return count == TqFieldTakenAs(*other, &TqCounter::count);
 }
 
 void TqCounter::Assignment(const TqDataType& other) {
-    count = TqTakenAs<TqCounter>(other).count;
+    count = TqFieldTakenAs(other, &TqCounter::count);
 }
 
 TqCounter::operator int() const {

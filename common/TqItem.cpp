@@ -7,13 +7,22 @@
 
 namespace {
 
-// The digits as strtol takes them: leading blanks and a sign are fine, anything else ends the
-// number. A negative length turns into one that no buffer holds.
-unsigned int ParseLength(const unsigned char* digits) {
+// What is not just digits is taken as strtol does: leading blanks and a sign are fine, anything else
+// ends the number. A negative length turns into one that no buffer holds.
+unsigned int ParseUnusualLength(const unsigned char* digits) {
     char text[tqItemDigits + 1];
     std::memcpy(text, digits, tqItemDigits);
     text[tqItemDigits] = '\0';
     return static_cast<unsigned int>(std::strtol(text, nullptr, 10));
+}
+
+unsigned int ParseLength(const unsigned char* digits) {
+    unsigned int length = 0;
+    for (unsigned int i = 0; i < tqItemDigits; ++i) {
+        if (digits[i] < '0' || digits[i] > '9') return ParseUnusualLength(digits);
+        length = length * 10 + digits[i] - '0';
+    }
+    return length;
 }
 
 }  // namespace

@@ -31,6 +31,14 @@ private:
     pthread_mutex_t mutex;
 };
 
+#ifdef PTHREAD_ERRORCHECK_MUTEX_INITIALIZER_NP
+
+// Objects, handles and lists are made often: where the C library has it, its constant saves five
+// calls for each.
+inline TqLinuxMutex::TqLinuxMutex() : mutex(PTHREAD_ERRORCHECK_MUTEX_INITIALIZER_NP) {}
+
+#else
+
 inline TqLinuxMutex::TqLinuxMutex() {
     pthread_mutexattr_t attributes;
     pthread_mutexattr_init(&attributes);
@@ -38,5 +46,7 @@ inline TqLinuxMutex::TqLinuxMutex() {
     pthread_mutex_init(&mutex, &attributes);
     pthread_mutexattr_destroy(&attributes);
 }
+
+#endif
 
 #endif

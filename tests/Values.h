@@ -1,6 +1,7 @@
 #ifndef VALUES_H
 #define VALUES_H
 
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -10,6 +11,12 @@
 
 // What values hold, as standard strings, so that a test compares them with what it expects in one
 // line and a failure shows both.
+
+/// A literal with the NULs that stand in it.
+template <std::size_t size>
+std::string Exactly(const char (&literal)[size]) {
+    return std::string(literal, size - 1);
+}
 
 /// The counted characters, NULs included.
 inline std::string Counted(const TqString& string) {

@@ -1,11 +1,12 @@
 #include "Interface.h"
 
-const InterfaceCounterName interfaceCounterNames[interfaceCounterCount] = {
-    {10, "ifInOctets", "bytes"},         {11, "ifInUcastPkts", "unicast"},
-    {12, "ifInNUcastPkts", "multicast"}, {13, "ifInDiscards", "dropped"},
-    {14, "ifInErrors", "errors"},        {16, "ifOutOctets", "bytes"},
-    {17, "ifOutUcastPkts", "packets"},   {19, "ifOutDiscards", "dropped"},
-    {20, "ifOutErrors", "errors"},
+const InterfaceValueName interfaceValueNames[interfaceValueCount] = {
+    {2, "ifDescr", "interface"},      {1, "ifIndex", "index"},
+    {8, "ifOperStatus", "up"},        {10, "ifInOctets", "bytes"},
+    {11, "ifInUcastPkts", "unicast"}, {12, "ifInNUcastPkts", "multicast"},
+    {13, "ifInDiscards", "dropped"},  {14, "ifInErrors", "errors"},
+    {16, "ifOutOctets", "bytes"},     {17, "ifOutUcastPkts", "packets"},
+    {19, "ifOutDiscards", "dropped"}, {20, "ifOutErrors", "errors"},
 };
 
 Interface::Interface() : upIsKnown(false) {
@@ -13,23 +14,21 @@ Interface::Interface() : upIsKnown(false) {
 }
 
 TqDataType& Interface::Value(unsigned int i) {
-    switch (i) {
-        case 0:
-            return name;
-        case 1:
-            return index;
-        case 2:
-            return up;
-        default:
-            return counters[i - 3];
-    }
+    if (i == nameValue) return name;
+    if (i == indexValue) return index;
+    if (i == upValue) return up;
+    return counters[i - firstCounter];
 }
 
 const TqDataType& Interface::Value(unsigned int i) const {
     return const_cast<Interface*>(this)->Value(i);
 }
 
-void Interface::SetCounter(InterfaceCounter counter, unsigned long long count) {
-    counters[counter] = TqCounter(static_cast<unsigned int>(count));
-    wrapped[counter] = count > 0xFFFFFFFFU;
+void Interface::SetCounter(InterfaceValue counter, unsigned long long kernelCount) {
+    counters[counter - firstCounter] = TqCounter(static_cast<unsigned int>(kernelCount));
+    wrapped[counter - firstCounter] = kernelCount > 0xFFFFFFFFU;
+}
+
+bool Interface::IsWrapped(unsigned int i) const {
+    return i >= firstCounter && wrapped[i - firstCounter];
 }

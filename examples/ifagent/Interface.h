@@ -7,9 +7,12 @@
 #include "TqNumber.h"
 #include "TqString.h"
 
-/// The counters of an interface, in the order in which they are sent and shown.
-enum InterfaceCounter {
-    inOctets,
+/// The values of an interface, in the order in which they are sent and shown.
+enum InterfaceValue : unsigned int {
+    nameValue,
+    indexValue,
+    upValue,
+    inOctets,  // from here on, counters
     inUcastPkts,
     inNUcastPkts,
     inDiscards,
@@ -18,40 +21,44 @@ enum InterfaceCounter {
     outUcastPkts,
     outDiscards,
     outErrors,
-    interfaceCounterCount
+    interfaceValueCount
 };
 
-/// What a counter is called.
-struct InterfaceCounterName {
+const unsigned int firstCounter = inOctets;
+const unsigned int interfaceCounterCount = interfaceValueCount - firstCounter;
+
+/// What a value is called.
+struct InterfaceValueName {
     unsigned int column;  ///< its column in the interface table that managers read
     const char* name;     ///< that column's name
     const char* heading;  ///< what a person calls it
 };
 
-extern const InterfaceCounterName interfaceCounterNames[interfaceCounterCount];
+extern const InterfaceValueName interfaceValueNames[interfaceValueCount];
 
 /// One interface as one poll saw it, in the library's values.
 ///
 /// The counters are 32 bits wide, as managers expect them; the kernel's have 64. What does not fit
-/// is kept modulo 2^32, and `wrapped` says so.
+/// is kept modulo 2^32.
 class Interface : public TqBaseObject {
 public:
     Interface();
 
-    /// Name, index, up and the counters, as values of any type: what is sent, in that order.
+    /// A value, as one of any type; `index` is an `InterfaceValue`.
     TqDataType& Value(unsigned int i);
     const TqDataType& Value(unsigned int i) const;
 
     /// Stores what the kernel has counted.
-    void SetCounter(InterfaceCounter counter, unsigned long long count);
+    void SetCounter(InterfaceValue counter, unsigned long long kernelCount);
 
-    static const unsigned int valueCount = 3 + interfaceCounterCount;
+    /// Whether the value is a counter that is less than what the kernel has counted.
+    bool IsWrapped(unsigned int i) const;
 
     TqString name;
     TqNumber index;
     TqBoolean up;
-    TqCounter counters[interfaceCounterCount];
     bool upIsKnown;  ///< false for an interface of another machine
+    TqCounter counters[interfaceCounterCount];
     bool wrapped[interfaceCounterCount];
 };
 

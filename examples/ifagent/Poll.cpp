@@ -34,51 +34,6 @@ void AskKernel(TqRefList<Interface>& interfaces) {
     freeifaddrs(addresses);
 }
 
-// Prints one item as it lies in the buffer.
-void PrintItem(TqBuffer& buffer) {
-    TqBuffer payload;
-    payload.FromBuffer(buffer);
-    TqString text;
-    payload.ToString(text);
-    printf(" %05u%s", payload.length, text.data);
-}
-
-// What makes out of the values sent how many were received.
-struct Tally {
-    unsigned int equal;
-    unsigned int tooLarge;
-    unsigned int different;
-};
-
-// A counter above this number renders right, but the parser takes its digits for a negative number
-// and gives 0: a rule of the counter, not a loss on the way.
-const unsigned int largestReadBack = 2147483647;
-
-bool WasTooLarge(const TqDataType& sent, const TqDataType& received) {
-    return sent.TypeId() == TqCounter::typeId &&
-           static_cast<const TqCounter&>(sent).count > largestReadBack &&
-           static_cast<const TqCounter&>(received).count == 0;
-}
-
-void PrintDifference(const char* name, const TqDataType& sent, const TqDataType& received) {
-    TqString sentText;
-    TqString receivedText;
-    sent.ToString(sentText);
-    received.ToString(receivedText);
-    Complain("%s: sent %s, received %s", name, sentText.data, receivedText.data);
-}
-
-void Compare(const char* name, const TqDataType& sent, const TqDataType& received, Tally& tally) {
-    if (sent.Equals(&received)) {
-        ++tally.equal;
-    } else if (WasTooLarge(sent, received)) {
-        ++tally.tooLarge;
-    } else {
-        ++tally.different;
-        PrintDifference(name, sent, received);
-    }
-}
-
 }  // namespace
 
 bool Poll::Read(const char* path) {
@@ -114,7 +69,7 @@ void Poll::Send(TqBuffer& buffer) const {
     TqCounter(interfaces.count).ToBuffer(buffer);
     for (unsigned int i = 1; i <= interfaces.count; ++i) {
         const Interface* interface = ItemOf(interfaces, i);
-        for (unsigned int v = 0; v < Interface::valueCount; ++v) {
+        for (unsigned int v = 0; v < interfaceValueCount; ++v) {
             interface->Value(v).ToBuffer(buffer);
         }
     }
@@ -127,7 +82,7 @@ void Poll::Receive(TqBuffer& buffer) {
     for (unsigned int i = 1; i <= count.count && buffer.readPosition < buffer.length; ++i) {
         Interface* interface = new Interface;
         interfaces.InsertSlot(interfaces.count + 1, static_cast<TqBaseObject*>(interface));
-        for (unsigned int v = 0; v < Interface::valueCount; ++v) {
+        for (unsigned int v = 0; v < interfaceValueCount; ++v) {
             interface->Value(v).FromBuffer(buffer);
         }
     }
@@ -138,36 +93,4 @@ Interface* Poll::Find(const char* name) const {
         if (strcmp(ItemOf(interfaces, i)->name.data, name) == 0) return ItemOf(interfaces, i);
     }
     return nullptr;
-}
-
-void PrintItems(TqBuffer buffer) {
-    printf("\nItems, from byte\n%6u ", 0U);
-    PrintItem(buffer);
-    PrintItem(buffer);
-    while (buffer.readPosition < buffer.length) {
-        printf("\n%6u ", buffer.readPosition);
-        for (unsigned int v = 0; v < Interface::valueCount; ++v) PrintItem(buffer);
-    }
-    printf("\n");
-}
-
-void ComparePolls(const Poll& sent, const Poll& received, unsigned int byteCount) {
-    Tally tally = {};
-    Compare("poll", sent.enabled, received.enabled, tally);
-    Compare("count", TqCounter(sent.interfaces.count), TqCounter(received.interfaces.count), tally);
-    for (unsigned int i = 1; i <= received.interfaces.count; ++i) {
-        const Interface* one = ItemOf(sent.interfaces, i);
-        const Interface* other = ItemOf(received.interfaces, i);
-        for (unsigned int v = 0; v < Interface::valueCount; ++v) {
-            Compare(one->name.data, one->Value(v), other->Value(v), tally);
-        }
-    }
-
-    printf("\n%u values in %u bytes, read back: %u equal",
-           tally.equal + tally.tooLarge + tally.different, byteCount, tally.equal);
-    if (tally.tooLarge > 0) {
-        printf(", %u above %u and so read back as 0", tally.tooLarge, largestReadBack);
-    }
-    if (tally.different > 0) printf(", %u DIFFERENT", tally.different);
-    printf("\n");
 }

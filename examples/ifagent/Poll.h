@@ -36,12 +36,4 @@ private:
     bool AppendLine(const char* line, TqString& complaint);
 };
 
-/// Prints the items of `buffer` as `Poll::Send` writes them, an interface to a line.
-void PrintItems(TqBuffer buffer);
-
-/// Compares each value that was sent with the one that was received, and prints how many there are
-/// and how many are equal. A difference that the rules of the values do not explain is complained
-/// of.
-void ComparePolls(const Poll& sent, const Poll& received, unsigned int byteCount);
-
 #endif

@@ -5,41 +5,26 @@
 
 namespace {
 
-const unsigned int indexColumn = 1;
-const unsigned int upColumn = 2;
-const unsigned int firstCounterColumn = 3;
-const unsigned int columnCount = firstCounterColumn + interfaceCounterCount;
-const char* const headings[firstCounterColumn] = {"interface", "index", "up"};
-
 // Marks a number that is not all that the kernel has counted.
 const char wrapMark = '*';
 
-InterfaceCounter CounterOf(unsigned int column) {
-    return static_cast<InterfaceCounter>(column - firstCounterColumn);
-}
-
-const char* Heading(unsigned int column) {
-    if (column < firstCounterColumn) return headings[column];
-    return interfaceCounterNames[CounterOf(column)].heading;
-}
-
-const char* Group(unsigned int column) {
-    if (column == firstCounterColumn + inOctets) return "received";
-    if (column == firstCounterColumn + outOctets) return "sent";
+const char* Group(unsigned int value) {
+    if (value == inOctets) return "received";
+    if (value == outOctets) return "sent";
     return "";
 }
 
-void CellText(const Interface& interface, unsigned int column, TqString& out) {
-    interface.Value(column).ToString(out);
-    if (column == upColumn && !interface.upIsKnown) out = "-";
+const char* Heading(unsigned int value) {
+    return interfaceValueNames[value].heading;
 }
 
-bool IsWrapped(const Interface& interface, unsigned int column) {
-    return column >= firstCounterColumn && interface.wrapped[CounterOf(column)];
+void CellText(const Interface& interface, unsigned int value, TqString& out) {
+    interface.Value(value).ToString(out);
+    if (value == upValue && !interface.upIsKnown) out = "-";
 }
 
-bool IsNumeric(unsigned int column) {
-    return column == indexColumn || column >= firstCounterColumn;
+bool IsNumeric(unsigned int value) {
+    return value == indexValue || value >= firstCounter;
 }
 
 void Pad(TqString& line, unsigned int count) {
@@ -54,69 +39,69 @@ public:
     void PrintRow(const Interface& interface) const;
 
 private:
-    void Widen(unsigned int column, const TqString& text);
-    void AppendCell(TqString& line, unsigned int column, const TqString& text) const;
+    void Widen(unsigned int value, const TqString& text);
+    void AppendCell(TqString& line, unsigned int value, const TqString& text) const;
 
-    unsigned int widths[columnCount];
+    unsigned int widths[interfaceValueCount];
 };
 
 TableLayout::TableLayout(const Poll& poll) {
-    for (unsigned int column = 0; column < columnCount; ++column) {
-        widths[column] = 0;
-        Widen(column, TqString(Group(column)));
-        Widen(column, TqString(Heading(column)));
+    for (unsigned int value = 0; value < interfaceValueCount; ++value) {
+        widths[value] = 0;
+        Widen(value, TqString(Group(value)));
+        Widen(value, TqString(Heading(value)));
         for (unsigned int i = 1; i <= poll.interfaces.count; ++i) {
             TqString text;
-            CellText(*ItemOf(poll.interfaces, i), column, text);
-            Widen(column, text);
+            CellText(*ItemOf(poll.interfaces, i), value, text);
+            Widen(value, text);
         }
     }
 }
 
-void TableLayout::Widen(unsigned int column, const TqString& text) {
-    if (text.Length() > widths[column]) widths[column] = text.Length();
+void TableLayout::Widen(unsigned int value, const TqString& text) {
+    if (text.Length() > widths[value]) widths[value] = text.Length();
 }
 
 // Two blanks between columns; the mark of the cell before stands in the first of them.
-void TableLayout::AppendCell(TqString& line, unsigned int column, const TqString& text) const {
+void TableLayout::AppendCell(TqString& line, unsigned int value, const TqString& text) const {
     unsigned int start = 0;
-    for (unsigned int before = 0; before < column; ++before) start += widths[before] + 2;
-    if (IsNumeric(column)) start += widths[column] - text.Length();
+    for (unsigned int before = 0; before < value; ++before) start += widths[before] + 2;
+    if (IsNumeric(value)) start += widths[value] - text.Length();
     Pad(line, start - line.Length());
     line += text.data;
 }
 
 void TableLayout::PrintGroups() const {
     TqString line;
-    for (unsigned int column = 0; column < columnCount; ++column) {
-        if (*Group(column) != '\0') AppendCell(line, column, TqString(Group(column)));
+    for (unsigned int value = 0; value < interfaceValueCount; ++value) {
+        if (*Group(value) != '\0') AppendCell(line, value, TqString(Group(value)));
     }
     printf("%s\n", line.data);
 }
 
 void TableLayout::PrintHeadings() const {
     TqString line;
-    for (unsigned int column = 0; column < columnCount; ++column) {
-        AppendCell(line, column, TqString(Heading(column)));
+    for (unsigned int value = 0; value < interfaceValueCount; ++value) {
+        AppendCell(line, value, TqString(Heading(value)));
     }
     printf("%s\n", line.data);
 }
 
 void TableLayout::PrintRow(const Interface& interface) const {
     TqString line;
-    for (unsigned int column = 0; column < columnCount; ++column) {
+    for (unsigned int value = 0; value < interfaceValueCount; ++value) {
         TqString text;
-        CellText(interface, column, text);
-        AppendCell(line, column, text);
-        if (IsWrapped(interface, column)) line.AppendChar(wrapMark);
+        CellText(interface, value, text);
+        AppendCell(line, value, text);
+        if (interface.IsWrapped(value)) line.AppendChar(wrapMark);
     }
     printf("%s\n", line.data);
 }
 
 bool HasWrapped(const Poll& poll) {
     for (unsigned int i = 1; i <= poll.interfaces.count; ++i) {
-        for (const bool wrapped : ItemOf(poll.interfaces, i)->wrapped) {
-            if (wrapped) return true;
+        for (unsigned int value = 0; value < interfaceValueCount; ++value) {
+            if (ItemOf(poll.interfaces, i)->IsWrapped(value)) return true;
         }
     }
     return false;

@@ -3,55 +3,100 @@
 
 #include <getopt.h>
 #include <stdio.h>
+#include <unistd.h>
 
+#include "Agent.h"
 #include "Complaints.h"
 #include "Configuration.h"
-#include "Poll.h"
+#include "DevelopmentAssert.h"
+#include "Monitor.h"
 #include "ProcNetDev.h"
-#include "Table.h"
-#include "TqBuffer.h"
-#include "TqHooks.h"
+#include "TqClassRegistry.h"
+#include "TqNumber.h"
 
 namespace {
 
 const char usage[] =
-    "Usage: ifagent [OPTION]... [FILE]\n"
-    "Reads network interface counters, sends them through a byte buffer and shows them.\n"
-    "FILE has the format of /proc/net/dev, which is the default.\n"
+    "Usage: ifagent [OPTION]... [FILE]...\n"
+    "Reads network interface counters, sends them through a byte buffer, and shows them and what\n"
+    "has changed. Each FILE has the format of /proc/net/dev, which is the default.\n"
     "\n"
     "  -c, --config FILE  read what to do from FILE, lines such as \"poll On\"\n"
+    "  -n, --count N      poll N times; FILEs are read in turn, the last one again and again\n"
+    "                     (default: each FILE once)\n"
     "  -i, --items        show the bytes that are sent\n"
-    "  -h, --help         show this and exit\n"
+    "  -m, --monitors     show what classes of monitors there are, and exit\n"
+    "  -h, --help         show this, and exit\n"
     "\n"
     "Exit status: 0 when all went well; 1 when something was complained of, and the rest done all\n"
     "the same; 2 when the command line is wrong.\n";
 
 const option longOptions[] = {
-    {"config", required_argument, nullptr, 'c'},
-    {"items", no_argument, nullptr, 'i'},
-    {"help", no_argument, nullptr, 'h'},
-    {nullptr, 0, nullptr, 0},
+    {"config", required_argument, nullptr, 'c'}, {"count", required_argument, nullptr, 'n'},
+    {"items", no_argument, nullptr, 'i'},        {"monitors", no_argument, nullptr, 'm'},
+    {"help", no_argument, nullptr, 'h'},         {nullptr, 0, nullptr, 0},
 };
+
+const int mostPolls = 999999999;
 
 enum ExitStatus { exitOk = 0, exitComplaints = 1, exitUsage = 2 };
 
 struct CommandLine {
+    CommandLine();
+
+    // The file of the `i`-th poll, from 0.
+    const char* Path(int i) const;
+
     const char* configPath;
-    const char* devPath;
+    char** paths;
+    int pathCount;
+    int pollCount;  // 0 until said
     bool showItems;
+    bool showClasses;
     bool showHelp;
 };
 
+CommandLine::CommandLine()
+    : configPath(nullptr),
+      paths(nullptr),
+      pathCount(0),
+      pollCount(0),
+      showItems(false),
+      showClasses(false),
+      showHelp(false) {}
+
+const char* CommandLine::Path(int i) const {
+    if (pathCount == 0) return procNetDev;
+    return paths[i < pathCount ? i : pathCount - 1];
+}
+
+// False, after a complaint, when it is no number of polls.
+bool ParseCount(const char* text, int& count) {
+    TqNumber number;
+    if (ParseWholeNumber(text, mostPolls, number) && number > 0) {
+        count = number;
+        return true;
+    }
+    Complain("\"%s\" is not a number of polls", text);
+    return false;
+}
+
 // False after a complaint.
 bool ParseCommandLine(int argc, char** argv, CommandLine& commandLine) {
-    int letter;
-    while ((letter = getopt_long(argc, argv, "c:ih", longOptions, nullptr)) != -1) {
+    int letter = 0;
+    while ((letter = getopt_long(argc, argv, "c:n:imh", longOptions, nullptr)) != -1) {
         switch (letter) {
             case 'c':
                 commandLine.configPath = optarg;
                 break;
+            case 'n':
+                if (!ParseCount(optarg, commandLine.pollCount)) return false;
+                break;
             case 'i':
                 commandLine.showItems = true;
+                break;
+            case 'm':
+                commandLine.showClasses = true;
                 break;
             case 'h':
                 commandLine.showHelp = true;
@@ -60,48 +105,44 @@ bool ParseCommandLine(int argc, char** argv, CommandLine& commandLine) {
                 return false;
         }
     }
-    if (optind < argc) commandLine.devPath = argv[optind++];
-    if (optind == argc) return true;
-    Complain("one file at a time, not \"%s\" too", argv[optind]);
-    return false;
-}
-
-// The library's reports are faults of this program: say so and go on.
-void PrintReport(const char* file, int line) {
-    Complain("check failed in %s, line %d", file, line);
+    commandLine.paths = argv + optind;
+    commandLine.pathCount = argc - optind;
+    if (commandLine.pollCount == 0) {
+        commandLine.pollCount = commandLine.pathCount > 0 ? commandLine.pathCount : 1;
+    }
+    return true;
 }
 
 void Run(const CommandLine& commandLine) {
     Configuration configuration;
-    if (commandLine.configPath != nullptr && !configuration.Read(commandLine.configPath)) return;
+    if (commandLine.configPath == nullptr) {
+        configuration.SetDefaults();
+    } else if (!configuration.Read(commandLine.configPath)) {
+        return;
+    }
     if (!configuration.poll) {
         printf("poll is off: nothing to do\n");
         return;
     }
 
-    Poll sent;
-    sent.enabled = configuration.poll;
-    if (!sent.Read(commandLine.devPath)) return;
-    PrintTable(sent);
-
-    TqBuffer buffer;
-    sent.Send(buffer);
-    if (commandLine.showItems) PrintItems(buffer);
-
-    Poll received;
-    received.Receive(buffer);
-    ComparePolls(sent, received, buffer.length);
+    Agent agent(configuration);
+    for (int i = 0; i < commandLine.pollCount; ++i) {
+        if (i > 0) sleep(static_cast<unsigned int>(int(configuration.interval)));
+        agent.PollOnce(commandLine.Path(i), commandLine.showItems);
+    }
+    agent.PrintSummary();
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     setvbuf(stdout, nullptr, _IOLBF, 0);  // in step with the complaints, also in a pipe
-    TqRegisterAssertCb(PrintReport);
+    InstallDevelopmentAssert();
+    RegisterMonitorClasses();
 
     static char programName[] = "ifagent";
     argv[0] = programName;  // for the complaints of getopt
-    CommandLine commandLine = {nullptr, procNetDev, false, false};
+    CommandLine commandLine;
     if (!ParseCommandLine(argc, argv, commandLine)) {
         fprintf(stderr, "Try \"ifagent --help\".\n");
         return exitUsage;
@@ -110,6 +151,10 @@ int main(int argc, char** argv) {
         fputs(usage, stdout);
         return exitOk;
     }
+    if (commandLine.showClasses) {
+        TqClassRegistry::GetRegistry()->Dump();
+        return exitOk;
+    }
     Run(commandLine);
-    return ComplaintCount() == 0 ? exitOk : exitComplaints;
+    return ComplaintCount() + DevelopmentAssertCount() == 0 ? exitOk : exitComplaints;
 }
