@@ -7,3 +7,5 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-mips -L /usr/mips-linux-gnu)
+# As the other targets have them: a backtrace gets through the library by these.
+set(CMAKE_CXX_FLAGS_INIT -fasynchronous-unwind-tables)

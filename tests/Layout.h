@@ -14,13 +14,21 @@
 ///     EXPECT_EQ(SlotOf(&TqString::TypeId), 2);
 template <class Operation>
 int SlotOf(Operation operation) {
-    // A pointer to a member is two words here: one more than the byte offset in the table, or the
-    // (even) address of the code, and what is added to the object's address.
+    // A pointer to a member is two words: for a virtual one the byte offset in the table, else the
+    // address of the code; and what is added to the object's address. That it is virtual is told by
+    // a 1 added to the first word, or, where code addresses may be odd (MIPS), by the lowest bit of
+    // the second, whose number is doubled then.
     std::ptrdiff_t words[2];
     static_assert(sizeof operation == sizeof words, "not a pointer to a member function");
     std::memcpy(words, &operation, sizeof words);
+#ifdef __mips__
+    if (words[1] != 1) return -1;
+    const std::ptrdiff_t offset = words[0];
+#else
     if ((words[0] & 1) == 0 || words[1] != 0) return -1;
-    return static_cast<int>((words[0] - 1) / static_cast<std::ptrdiff_t>(sizeof(void*)));
+    const std::ptrdiff_t offset = words[0] - 1;
+#endif
+    return static_cast<int>(offset / static_cast<std::ptrdiff_t>(sizeof(void*)));
 }
 
 using Offsets = std::vector<std::size_t>;
