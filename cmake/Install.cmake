@@ -22,3 +22,5 @@ set(pkgconfigDir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 file(RELATIVE_PATH prefixFromPkgconfig "/prefix/${pkgconfigDir}" "/prefix")
 configure_file(cmake/tqcommon.pc.in tqcommon.pc @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/tqcommon.pc" DESTINATION "${pkgconfigDir}")
+
+install(FILES tools/tqcommon_gdb.py DESTINATION "${CMAKE_INSTALL_DATADIR}/tqcommon")

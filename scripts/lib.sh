@@ -12,7 +12,8 @@ packages_of() {
         *) echo cmake ninja-build g++ googletest pkg-config ;;
     esac
     case $1 in
-        dev | clang) echo clang ;;
+        dev | clang) echo clang gdb ;;
+        release) echo clang gdb ;;
         coverage) echo gcovr ;;
         i686) echo g++-i686-linux-gnu ;;
         powerpc*) echo g++-powerpc-linux-gnu qemu-user ;;
