@@ -16,11 +16,11 @@ packages_of() {
         release) echo clang gdb ;;
         coverage) echo gcovr ;;
         i686) echo g++-i686-linux-gnu ;;
-        powerpc*) echo g++-powerpc-linux-gnu qemu-user ;;
+        powerpc) echo g++-powerpc-linux-gnu qemu-user ;;
         mips) echo g++-mips-linux-gnu qemu-user ;;
     esac
     case $1 in
-        release | i686 | powerpc* | mips) echo abigail-tools python3 ;;
+        release | i686 | powerpc | mips) echo abigail-tools python3 ;;
     esac
 }
 
