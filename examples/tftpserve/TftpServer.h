@@ -1,0 +1,50 @@
+#ifndef TFTP_SERVER_H
+#define TFTP_SERVER_H
+
+#include <cstdint>
+#include <list>
+#include <string>
+
+#include "UdpSocket.h"
+
+/// A small TFTP server (RFC 1350) that only answers read requests in octet mode, for examples and
+/// tests on loopback. It serves the regular files below one directory.
+///
+/// A block is sent again when the client acknowledges the one before it again, and, if so wished,
+/// when the client has been silent for a while.
+class TftpServer {
+public:
+    struct Settings {
+        std::string directory;
+        int resendAfter = 1000;  ///< milliseconds; 0 leaves it to the client
+        int resends = 10;        ///< in a row, before the client is given up
+    };
+
+    /// Takes over the socket that the requests come to, bound to port 69 as a rule.
+    TftpServer(UdpSocket listener, Settings settings);
+
+    /// Answers what has come, waiting for it for up to so many milliseconds.
+    void Serve(int milliseconds);
+
+private:
+    struct Transfer {
+        UdpSocket socket;
+        Endpoint client;
+        Octets file;
+        unsigned int block;
+        int resends;
+        long long sentAt;
+    };
+
+    void Answer(const Endpoint& client, const Octets& request);
+    void Refuse(const Endpoint& client, unsigned int code, const char* text);
+    bool Continue(Transfer& transfer, const Endpoint& sender, const Octets& packet);
+    bool Resend(Transfer& transfer);
+    void SendBlock(Transfer& transfer);
+
+    UdpSocket listener;
+    Settings settings;
+    std::list<Transfer> transfers;
+};
+
+#endif
