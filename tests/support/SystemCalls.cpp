@@ -1,0 +1,151 @@
+#include "SystemCalls.h"
+
+#include <dlfcn.h>
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define TQ_SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define TQ_SANITIZED 1
+#endif
+#endif
+
+SystemCalls systemCalls;
+
+namespace {
+
+template <class Function>
+Function* Real(Function*, const char* name) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+#define REAL(name) static auto* const real = Real(&::name, #name)
+
+// Within a replacement the real functions are called, and only there.
+class Replacement {
+public:
+    Replacement() { ++depth; }
+    ~Replacement() { --depth; }
+
+    bool IsNested() const { return depth > 1; }
+
+private:
+    static thread_local int depth;
+};
+
+thread_local int Replacement::depth = 0;
+
+}  // namespace
+
+extern "C" {
+
+int gettimeofday(timeval* now, void* zone) noexcept {
+    REAL(gettimeofday);
+    const Replacement replacement;
+    if (!systemCalls.gettimeofday || replacement.IsNested()) return real(now, zone);
+    *now = systemCalls.gettimeofday();
+    return 0;
+}
+
+int select(int count, fd_set* readable, fd_set* writable, fd_set* exceptional, timeval* wait) {
+    REAL(select);
+    const Replacement replacement;
+    if (!systemCalls.select || replacement.IsNested()) {
+        return real(count, readable, writable, exceptional, wait);
+    }
+    return systemCalls.select(count, readable, wait);
+}
+
+int bind(int descriptor, const sockaddr* address, socklen_t length) noexcept {
+    REAL(bind);
+    const Replacement replacement;
+    if (!systemCalls.bind || replacement.IsNested()) return real(descriptor, address, length);
+    return systemCalls.bind(descriptor, address, length);
+}
+
+ssize_t sendto(int descriptor, const void* bytes, size_t length, int flags, const sockaddr* address,
+               socklen_t addressLength) {
+    REAL(sendto);
+    const Replacement replacement;
+    if (!systemCalls.sendto || replacement.IsNested()) {
+        return real(descriptor, bytes, length, flags, address, addressLength);
+    }
+    return systemCalls.sendto(descriptor, bytes, length, flags, address, addressLength);
+}
+
+ssize_t recvfrom(int descriptor, void* bytes, size_t length, int flags, sockaddr* address,
+                 socklen_t* addressLength) {
+    REAL(recvfrom);
+    const Replacement replacement;
+    if (!systemCalls.recvfrom || replacement.IsNested()) {
+        return real(descriptor, bytes, length, flags, address, addressLength);
+    }
+    return systemCalls.recvfrom(descriptor, bytes, length, flags, address, addressLength);
+}
+
+}  // extern "C"
+
+#ifdef TQ_SANITIZED
+
+const bool heapIsWatched = false;
+
+void RefuseMemory(std::size_t) {}
+void WatchMemory(std::size_t) {}
+
+int WatchedBlocks() {
+    return 0;
+}
+
+#else
+
+extern "C" void* __libc_malloc(std::size_t bytes);
+extern "C" void __libc_free(void* block);
+
+const bool heapIsWatched = true;
+
+namespace {
+
+// Plain data: the heap is used before anything is constructed. A size of 0 is none.
+std::size_t refusedSize;
+std::size_t watchedSize;
+void* watched[16];
+
+bool Replace(void* block, void* by) {
+    for (void*& slot : watched) {
+        if (slot != block) continue;
+        slot = by;
+        return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+extern "C" void* malloc(std::size_t bytes) noexcept {
+    if (bytes != 0 && bytes == refusedSize) return nullptr;
+    void* const block = __libc_malloc(bytes);
+    if (bytes != 0 && bytes == watchedSize) Replace(nullptr, block);
+    return block;
+}
+
+extern "C" void free(void* block) noexcept {
+    if (block != nullptr && watchedSize != 0) Replace(block, nullptr);
+    __libc_free(block);
+}
+
+void RefuseMemory(std::size_t bytes) {
+    refusedSize = bytes;
+}
+
+void WatchMemory(std::size_t bytes) {
+    watchedSize = bytes;
+    for (void*& slot : watched) slot = nullptr;
+}
+
+int WatchedBlocks() {
+    int count = 0;
+    for (const void* slot : watched) count += slot != nullptr ? 1 : 0;
+    return count;
+}
+
+#endif

@@ -1,0 +1,36 @@
+#ifndef SYSTEM_CALLS_H
+#define SYSTEM_CALLS_H
+
+#include <sys/select.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+
+#include <cstddef>
+#include <functional>
+#include <vector>
+
+/// The system functions that a test may put in the place of those that the library calls. The test
+/// program defines them itself, before the C library does, and hands every call on to the real one
+/// unless a test has set a replacement. What a replacement calls itself is the real thing.
+/// `systemCalls = SystemCalls()` takes all replacements out again.
+struct SystemCalls {
+    std::function<timeval()> gettimeofday;
+    std::function<int(int, fd_set*, timeval*)> select;
+    std::function<int(int, const sockaddr*, socklen_t)> bind;
+    std::function<ssize_t(int, const void*, std::size_t, int, const sockaddr*, socklen_t)> sendto;
+    std::function<ssize_t(int, void*, std::size_t, int, sockaddr*, socklen_t*)> recvfrom;
+};
+
+extern SystemCalls systemCalls;
+
+/// Sanitizers bring their own heap; there this is false and the two below do nothing.
+extern const bool heapIsWatched;
+
+/// From now on malloc finds no memory for exactly this many bytes; 0 for none.
+void RefuseMemory(std::size_t bytes);
+
+/// From now on counts the blocks of exactly this many bytes.
+void WatchMemory(std::size_t bytes);
+int WatchedBlocks();
+
+#endif
