@@ -13,7 +13,7 @@ packages_of() {
     esac
     case $1 in
         dev | clang) echo clang gdb ;;
-        release) echo clang gdb ;;
+        release) echo clang gdb libbenchmark-dev ;;
         coverage) echo gcovr ;;
         i686) echo g++-i686-linux-gnu ;;
         powerpc) echo g++-powerpc-linux-gnu qemu-user ;;
@@ -32,6 +32,7 @@ tool_of() {
         googletest) echo /usr/include/gtest/gtest.h ;;
         qemu-user) echo qemu-ppc ;;
         abigail-tools) echo abidiff ;;
+        libbenchmark-dev) echo /usr/include/benchmark/benchmark.h ;;
         g++-*) echo "${1#g++-}-g++" ;;
         *) echo "$1" ;;
     esac
