@@ -53,14 +53,15 @@
     TQ_IMPLEMENT_CLASS_MEMBERS(X, Parent::Parent##InitInfo(), nullptr)
 
 // The pattern itself. The root class uses it directly: it overrides nothing and has no parent.
-#define TQ_DECLARE_CLASS_MEMBERS(X, OVERRIDE)          \
-public:                                                \
-    static ::TqClassInfo* X##Info;                     \
-    static ::TqClassInfo* X##InitInfo();               \
-    virtual ::TqClassInfo* ClassInfo() const OVERRIDE; \
-    ::TqBaseObject* NewInstance() const;               \
-                                                       \
-private:                                               \
+// NewInstance may stay unused where a class is known to one source alone, without a warning.
+#define TQ_DECLARE_CLASS_MEMBERS(X, OVERRIDE)                    \
+public:                                                          \
+    static ::TqClassInfo* X##Info;                               \
+    static ::TqClassInfo* X##InitInfo();                         \
+    virtual ::TqClassInfo* ClassInfo() const OVERRIDE;           \
+    __attribute__((unused)) ::TqBaseObject* NewInstance() const; \
+                                                                 \
+private:                                                         \
     friend ::TqBaseObject* X##NewFunc();
 
 #define TQ_IMPLEMENT_CLASS_MEMBERS(X, PARENT_INFO, NEW_OBJECT)       \
