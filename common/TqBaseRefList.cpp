@@ -92,7 +92,8 @@ void TqBaseRefList::RemoveSlot(unsigned int index) {
     TqBaseObject* item = CheckedItem(*this, index);
     if (item != nullptr) {
         DropReference(item);
-        TqBaseList::RemoveSlot(index);
+        // The item's destructor may have emptied the list down to here itself.
+        if (index <= count) TqBaseList::RemoveSlot(index);
     }
     Unlock(*this);
 }
