@@ -10,7 +10,7 @@ shown=$(timeout 120 gdb -batch -nx -ex "source $2" -ex 'break LookHere' -ex run 
     -ex 'print handle.object->refCount' -ex 'print list.count' "$1" 2>&1)
 failed=0
 expect() {
-    echo "$shown" | grep -qE "^\\$[0-9]+ = $1\$" || { echo "not shown: $1"; failed=1; }
+    echo "$shown" | grep -qE '^\$[0-9]+ = '"$1"'$' || { echo "not shown: $1"; failed=1; }
 }
 expect '"GigabitEthernet0/1 to the north west"'
 expect '-42'
