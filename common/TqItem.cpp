@@ -7,8 +7,8 @@
 
 namespace {
 
-// What is not just digits is taken as strtol does: leading blanks and a sign are fine, anything else
-// ends the number. A negative length turns into one that no buffer holds.
+// What is not just digits is taken as strtol does: leading blanks and a sign are fine, anything
+// else ends the number. A negative length turns into one that no buffer holds.
 unsigned int ParseUnusualLength(const unsigned char* digits) {
     char text[tqItemDigits + 1];
     std::memcpy(text, digits, tqItemDigits);

