@@ -351,6 +351,18 @@ TEST(TqString, APartOfTheStringCanBeSet) {
     EXPECT_EQ(Held(full), HeldInBlock(41, Letters(32) + Repeated(8, '\0')));
 }
 
+TEST(TqString, WhatIsLeftInsideOfAMovedStringCanBeSet) {
+    TqString s(Letters(31).c_str());
+    s.AppendChar('#');
+    s.SetValue(s.internalData, 5);
+    EXPECT_EQ(Held(s), HeldInside("abcde"));
+    s = Letters(40).c_str();
+    s = s.internalData;
+    EXPECT_EQ(Held(s), HeldInBlock(41, "abcde"));
+    s += s.internalData;
+    EXPECT_EQ(Held(s), HeldInBlock(41, "abcdeabcde"));
+}
+
 TEST(TqString, TheStringCanBeAppendedToItself) {
     TqString s("abcdefgh");
     s += s.data;
@@ -916,6 +928,15 @@ TEST(TqString, TrimTrailingOfAMovedStringWorksOnTheInsideArea) {
     s.TrimTrailingWS();
     EXPECT_EQ(std::string(s.internalData, 31), Letters(29) + Exactly("\0\0"));
     EXPECT_EQ(Held(s), HeldInBlock(48, text));
+}
+
+TEST(TqString, TrimsOfAnEmptyStringDoNothing) {
+    TqString s(Repeated(31, ' ').c_str());
+    s.AppendChar(' ');
+    s.Empty();
+    s.TrimLeadingWS().TrimTrailingWS();
+    EXPECT_EQ(Held(s), HeldInBlock(48, ""));
+    EXPECT_EQ(std::string(s.internalData, 31), Repeated(31, ' '));
 }
 
 TEST(TqString, TrimsOfALongStringFindNothing) {
