@@ -2,6 +2,8 @@
 
 #include <dlfcn.h>
 
+#include <atomic>
+
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define TQ_SANITIZED 1
 #elif defined(__has_feature)
@@ -89,6 +91,10 @@ ssize_t recvfrom(int descriptor, void* bytes, size_t length, int flags, sockaddr
 
 const bool heapIsWatched = false;
 
+unsigned int HeapCalls() {
+    return 0;
+}
+
 void RefuseMemory(std::size_t) {}
 void WatchMemory(std::size_t) {}
 
@@ -99,6 +105,8 @@ int WatchedBlocks() {
 #else
 
 extern "C" void* __libc_malloc(std::size_t bytes);
+extern "C" void* __libc_calloc(std::size_t count, std::size_t bytes);
+extern "C" void* __libc_realloc(void* block, std::size_t bytes);
 extern "C" void __libc_free(void* block);
 
 const bool heapIsWatched = true;
@@ -106,6 +114,7 @@ const bool heapIsWatched = true;
 namespace {
 
 // Plain data: the heap is used before anything is constructed. A size of 0 is none.
+std::atomic<unsigned int> heapCalls;
 std::size_t refusedSize;
 std::size_t watchedSize;
 void* watched[16];
@@ -122,15 +131,30 @@ bool Replace(void* block, void* by) {
 }  // namespace
 
 extern "C" void* malloc(std::size_t bytes) noexcept {
+    ++heapCalls;
     if (bytes != 0 && bytes == refusedSize) return nullptr;
     void* const block = __libc_malloc(bytes);
     if (bytes != 0 && bytes == watchedSize) Replace(nullptr, block);
     return block;
 }
 
+extern "C" void* calloc(std::size_t count, std::size_t bytes) noexcept {
+    ++heapCalls;
+    return __libc_calloc(count, bytes);
+}
+
+extern "C" void* realloc(void* block, std::size_t bytes) noexcept {
+    ++heapCalls;
+    return __libc_realloc(block, bytes);
+}
+
 extern "C" void free(void* block) noexcept {
     if (block != nullptr && watchedSize != 0) Replace(block, nullptr);
     __libc_free(block);
+}
+
+unsigned int HeapCalls() {
+    return heapCalls;
 }
 
 void RefuseMemory(std::size_t bytes) {

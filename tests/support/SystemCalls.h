@@ -23,8 +23,11 @@ struct SystemCalls {
 
 extern SystemCalls systemCalls;
 
-/// Sanitizers bring their own heap; there this is false and the two below do nothing.
+/// Sanitizers bring their own heap; there this is false and what follows does nothing.
 extern const bool heapIsWatched;
+
+/// How many blocks have been asked for or resized so far.
+unsigned int HeapCalls();
 
 /// From now on malloc finds no memory for exactly this many bytes; 0 for none.
 void RefuseMemory(std::size_t bytes);

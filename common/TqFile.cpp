@@ -1,0 +1,85 @@
+#include "TqFile.h"
+
+#include <cerrno>
+
+#include "TqClassInfo.h"
+#include "TqPrivate.h"
+
+namespace {
+
+const char sourceName[] = "TqFile";
+
+// One for all files, deliberately: reading lines allocates nothing.
+char line[1024];
+
+FILE* OpenStream(const char* name, int mode) {
+    static const char* const modes[] = {"r", "w", "r+", "a", "a+"};
+    if (mode < TqFile::read || mode > TqFile::readAppend) {
+        errno = EINVAL;
+        return nullptr;
+    }
+    return std::fopen(name, modes[mode - TqFile::read]);
+}
+
+}  // namespace
+
+TQ_IMPLEMENT_CLASS(TqFile, TqBaseObject)
+
+const int TqFile::read;
+const int TqFile::write;
+const int TqFile::readWrite;
+const int TqFile::append;
+const int TqFile::readAppend;
+
+const int TqFile::fileUnknown;
+const int TqFile::fileOpen;
+const int TqFile::fileAtEnd;
+const int TqFile::fileClosed;
+
+TqFile::TqFile() : openMode(-1), stream(nullptr), fileState(fileUnknown) {}
+
+// The state is that of no other file, deliberately: it marks a copy.
+TqFile::TqFile(const TqFile& other)
+    : TqBaseObject(other), openMode(-1), stream(nullptr), fileState(-1) {
+    TqCallAssert(sourceName, __LINE__);
+}
+
+TqFile& TqFile::operator=(const TqFile& other) {
+    TqBaseObject::operator=(other);
+    TqCallAssert(sourceName, __LINE__);
+    return *this;
+}
+
+TqFile::~TqFile() {
+    // The stream stays open, deliberately: closing is the owner's duty.
+    TqClearForGood(fileState);
+}
+
+TqBaseObject* TqFile::Clone() const {
+    return new TqFile(*this);
+}
+
+int TqFile::Open(const char* name, int mode) {
+    fileName = name;
+    openMode = mode;
+    TQ_REPORT_IF(fileName.length == 0);
+    // An earlier stream is not looked at, deliberately: owners close before they open again.
+    stream = OpenStream(fileName.data, openMode);
+    fileState = stream != nullptr ? fileOpen : fileUnknown;
+    return stream != nullptr;
+}
+
+int TqFile::Close() {
+    if (stream == nullptr) return 1;
+    // The closed stream stays in the object, deliberately; the state tells that it is closed.
+    if (std::fclose(stream) == EOF) return 0;
+    fileState = fileClosed;
+    return 1;
+}
+
+char* TqFile::NextLine() {
+    if (stream == nullptr) return nullptr;
+    char* next = std::fgets(line, sizeof line, stream);
+    if (next == nullptr) fileState = fileAtEnd;
+    return next;
+}
