@@ -9,11 +9,13 @@
 #include "TqCounter.h"
 #include "TqDataType.h"
 #include "TqDateTime.h"
+#include "TqFile.h"
 #include "TqFloat.h"
 #include "TqIpAddress.h"
 #include "TqNetworkMask.h"
 #include "TqNumber.h"
 #include "TqSnmpOid.h"
+#include "TqSortedStringList.h"
 #include "TqString.h"
 
 // A program that was linked against an earlier library reads these fields and calls through these
@@ -44,6 +46,14 @@ static_assert(std::is_same<decltype(TqSnmpOid::internalValues), unsigned int[16]
 static_assert(std::is_same<decltype(TqSnmpOid::maxInternalValues), const unsigned int>::value, "");
 static_assert(std::is_same<decltype(TqIpAddress::address), unsigned int>::value, "");
 static_assert(std::is_same<decltype(TqIpAddress::valid), int>::value, "");
+static_assert(std::is_same<decltype(TqFile::fileName), TqString>::value, "");
+static_assert(std::is_same<decltype(TqFile::openMode), int>::value, "");
+static_assert(std::is_same<decltype(TqFile::stream), FILE*>::value, "");
+static_assert(std::is_same<decltype(TqFile::fileState), int>::value, "");
+static_assert(std::is_same<decltype(TqFile::read), const int>::value, "");
+static_assert(std::is_base_of<TqBaseObject, TqFile>::value, "");
+static_assert(std::is_base_of<TqBaseList, TqSortedStringList>::value, "");
+static_assert(sizeof(TqSortedStringList) == sizeof(TqBaseList), "the sorted list adds no field");
 static_assert(std::is_base_of<TqIpAddress, TqNetworkMask>::value, "");
 static_assert(sizeof(TqNetworkMask) == sizeof(TqIpAddress), "a mask adds no field");
 static_assert(std::is_base_of<TqNumber, TqCounter>::value, "");
@@ -101,6 +111,13 @@ TEST(Layout, FieldsOfAnAddress) {
     EXPECT_EQ(LayoutOf(a, a.address, a.valid), PerTarget({4, 8, 12}, {8, 12, 16}));
     const TqNetworkMask m;
     EXPECT_EQ(LayoutOf(m, m.address, m.valid), PerTarget({4, 8, 12}, {8, 12, 16}));
+}
+
+TEST(Layout, FieldsOfAFile) {
+    const TqFile f;
+    const Offsets layout = LayoutOf(f, f.fileName, f.openMode, f.stream, f.fileState);
+    EXPECT_TRUE(StrictlyIncreasing(layout));
+    EXPECT_EQ(layout, PerTarget({44, 96, 100, 104, 108}, {72, 136, 144, 152, 160}));
 }
 
 // The slots that every value type shares, asked of the type itself: an operation that a type
@@ -166,6 +183,31 @@ TEST(Layout, SlotsOfAddressesAndMasks) {
     ExpectTheSlotsOfAnAddress<TqNetworkMask>();
 }
 
+TEST(Layout, SlotsOfAFile) {
+    EXPECT_EQ(SlotOf(&TqFile::Clone), 2);
+    EXPECT_EQ(SlotOf(&TqFile::ClassInfo), 3);
+    EXPECT_EQ(SlotOf(&TqFile::Open), 4);
+    EXPECT_EQ(SlotOf(&TqFile::Close), 5);
+    EXPECT_EQ(SlotOf(&TqFile::NextLine), 6);
+    EXPECT_EQ(SlotOf(&TqFile::NewInstance), -1);
+}
+
+TEST(Layout, ASortedListOverridesNoOperation) {
+    EXPECT_TRUE((std::is_same<decltype(&TqSortedStringList::InsertSlot),
+                              void (TqBaseList::*)(unsigned int, void*)>::value));
+    EXPECT_TRUE((std::is_same<decltype(&TqSortedStringList::RemoveSlot),
+                              void (TqBaseList::*)(unsigned int)>::value));
+    EXPECT_TRUE((std::is_same<decltype(&TqSortedStringList::ReplaceSlot),
+                              void (TqBaseList::*)(unsigned int, void*)>::value));
+    EXPECT_TRUE((std::is_same<decltype(&TqSortedStringList::SwapItems),
+                              void (TqBaseList::*)(unsigned int, unsigned int)>::value));
+    EXPECT_TRUE((std::is_same<decltype(&TqSortedStringList::RemoveAllItems),
+                              void (TqBaseList::*)()>::value));
+    EXPECT_TRUE((std::is_same<decltype(&TqSortedStringList::Clone),
+                              TqBaseObject* (TqBaseObject::*)() const>::value));
+    EXPECT_EQ(SlotOf(&TqSortedStringList::Add), -1);
+}
+
 // Whatever a class derived from T adds gets the slot behind T's last.
 template <class T>
 class Derived : public T {
@@ -185,6 +227,8 @@ TEST(Layout, NoTypeHasFurtherSlots) {
     EXPECT_EQ(SlotOf(&Derived<TqSnmpOid>::Next), 13);
     EXPECT_EQ(SlotOf(&Derived<TqIpAddress>::Next), 6);
     EXPECT_EQ(SlotOf(&Derived<TqNetworkMask>::Next), 6);
+    EXPECT_EQ(SlotOf(&Derived<TqFile>::Next), 7);
+    EXPECT_EQ(SlotOf(&Derived<TqSortedStringList>::Next), 9);
 }
 
 TEST(Layout, OtherOperationsAreNotVirtual) {
