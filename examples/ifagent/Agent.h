@@ -14,6 +14,12 @@ public:
     void Invoke(TqBaseObject* source, TqCallbackData* data) override;
 };
 
+/// What to show beside the table.
+struct Show {
+    bool items;
+    bool oids;
+};
+
 /// Polls, sends what it has found, and has its monitors look at what has changed since.
 class Agent {
 public:
@@ -22,12 +28,17 @@ public:
     Agent& operator=(const Agent&) = delete;
 
     /// Polls `path` once and shows all there is to show.
-    void PollOnce(const char* path, bool showItems);
+    void PollOnce(const char* path, const Show& show);
 
     /// Prints what all polls together came to.
     void PrintSummary() const;
 
 private:
+    void AddAddresses(Poll& poll) const;
+    void ChooseWatched(Poll& poll) const;
+    void Observe(const Poll& before, const Poll& after);
+    void PrintTitle(const char* path, const TqDateTime& time);
+
     const Configuration& configuration;
     unsigned int pollCount;
     TqCounter changeCount;

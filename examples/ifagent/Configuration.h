@@ -2,6 +2,7 @@
 #define CONFIGURATION_H
 
 #include "Monitor.h"
+#include "Subnet.h"
 #include "TqBaseRefList.h"
 #include "TqBoolean.h"
 #include "TqNumber.h"
@@ -25,14 +26,29 @@ public:
     /// Returns whether the file could be read at all.
     bool Read(const char* path);
 
+    /// The same for `fileName` on a TFTP server.
+    bool Fetch(const char* server, const char* fileName);
+
+    /// Whether an address is in one of the allowed networks; always true when none is named.
+    bool Allows(const TqIpAddress& address) const;
+
     TqBoolean poll;               ///< "poll On": whether the interfaces are read at all
     TqNumber interval;            ///< "interval 5": seconds between two polls
     TqRefList<Monitor> monitors;  ///< "monitor LinkMonitor eth0", or of all interfaces
+    TqRefList<Subnet> allowed;    ///< "allow 10.0.0.0 255.0.0.0"
+    TqRefList<Subnet> addresses;  ///< "address eth0 10.1.2.3 255.0.0.0": what no kernel tells
 
 private:
+    struct Keyword;
+    static const Keyword keywords[];
+
+    void TakeLine(const char* source, unsigned int lineNumber, TqString& line);
     bool ReadLine(char* line, TqString& complaint);
-    bool SetInterval(const char* text, TqString& complaint);
-    bool AddMonitor(const char* className, const char* interfaceName, TqString& complaint);
+    bool SetPoll(char** words, TqString& complaint);
+    bool SetInterval(char** words, TqString& complaint);
+    bool AddMonitor(char** words, TqString& complaint);
+    bool AddAllowed(char** words, TqString& complaint);
+    bool AddAddress(char** words, TqString& complaint);
 };
 
 #endif

@@ -1,5 +1,7 @@
 #include "Interface.h"
 
+const char interfaceTableEntry[] = "1.3.6.1.2.1.2.2.1";
+
 const InterfaceValueName interfaceValueNames[interfaceValueCount] = {
     {2, "ifDescr", "interface"},      {1, "ifIndex", "index"},
     {8, "ifOperStatus", "up"},        {10, "ifInOctets", "bytes"},
@@ -9,7 +11,7 @@ const InterfaceValueName interfaceValueNames[interfaceValueCount] = {
     {19, "ifOutDiscards", "dropped"}, {20, "ifOutErrors", "errors"},
 };
 
-Interface::Interface() : upIsKnown(false) {
+Interface::Interface() : watched(1), upIsKnown(false) {
     for (bool& flag : wrapped) flag = false;
 }
 
@@ -22,6 +24,13 @@ TqDataType& Interface::Value(unsigned int i) {
 
 const TqDataType& Interface::Value(unsigned int i) const {
     return const_cast<Interface*>(this)->Value(i);
+}
+
+TqSnmpOid Interface::Oid(unsigned int i) const {
+    TqSnmpOid oid(interfaceTableEntry);
+    oid.Append(interfaceValueNames[i].column);
+    oid.Append(index.value);
+    return oid;
 }
 
 void Interface::SetCounter(InterfaceValue counter, unsigned long long kernelCount) {

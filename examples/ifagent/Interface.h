@@ -5,6 +5,7 @@
 #include "TqBoolean.h"
 #include "TqCounter.h"
 #include "TqNumber.h"
+#include "TqSnmpOid.h"
 #include "TqString.h"
 
 /// The values of an interface, in the order in which they are sent and shown.
@@ -34,6 +35,9 @@ struct InterfaceValueName {
     const char* heading;  ///< what a person calls it
 };
 
+/// The entries of that table; a value's column and its interface's index follow.
+extern const char interfaceTableEntry[];
+
 extern const InterfaceValueName interfaceValueNames[interfaceValueCount];
 
 /// One interface as one poll saw it, in the library's values.
@@ -48,6 +52,9 @@ public:
     TqDataType& Value(unsigned int i);
     const TqDataType& Value(unsigned int i) const;
 
+    /// The object identifier of a value in the interface table that managers read.
+    TqSnmpOid Oid(unsigned int i) const;
+
     /// Stores what the kernel has counted.
     void SetCounter(InterfaceValue counter, unsigned long long kernelCount);
 
@@ -57,7 +64,8 @@ public:
     TqString name;
     TqNumber index;
     TqBoolean up;
-    bool upIsKnown;  ///< false for an interface of another machine
+    TqBoolean watched;  ///< whether monitors look at it; not sent
+    bool upIsKnown;     ///< false for an interface of another machine
     TqCounter counters[interfaceCounterCount];
     bool wrapped[interfaceCounterCount];
 };

@@ -1,8 +1,7 @@
 #ifndef LINE_READER_H
 #define LINE_READER_H
 
-#include <stdio.h>
-
+#include "TqFile.h"
 #include "TqString.h"
 
 /// A text file, read line by line whatever the lines' length, that says what is wrong where.
@@ -28,8 +27,7 @@ public:
     unsigned int LineNumber() const { return lineNumber; }
 
 private:
-    TqString fileName;
-    FILE* stream;
+    TqFile file;
     unsigned int lineNumber;
 };
 

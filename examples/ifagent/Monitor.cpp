@@ -15,6 +15,7 @@ ValueChange::ValueChange(const Interface& beforeChange, const Interface& afterCh
 void Monitor::Observe(const Poll& before, const Poll& after, TqCallbackChain& listeners) {
     for (unsigned int i = 1; i <= after.interfaces.count; ++i) {
         const Interface* interface = ItemOf(after.interfaces, i);
+        if (!interface->watched) continue;
         if (interfaceName.IsNotEmpty() && !interfaceName.Equals(&interface->name)) continue;
         const Interface* earlier = before.Find(interface->name.data);
         if (earlier != nullptr) ObserveInterface(*earlier, *interface, listeners);

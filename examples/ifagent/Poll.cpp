@@ -1,38 +1,16 @@
 #include "Poll.h"
 
-#include <errno.h>
-#include <ifaddrs.h>
-#include <net/if.h>
-#include <stdio.h>
 #include <string.h>
 
 #include "Complaints.h"
+#include "Kernel.h"
 #include "LineReader.h"
 #include "ProcNetDev.h"
 
 namespace {
 
-// Adds what only this machine can tell: the interfaces' own indexes and whether they are up.
-void AskKernel(TqRefList<Interface>& interfaces) {
-    ifaddrs* addresses = nullptr;
-    if (getifaddrs(&addresses) != 0) {
-        Complain("getifaddrs: %s", strerror(errno));
-        return;
-    }
-    for (unsigned int i = 1; i <= interfaces.count; ++i) {
-        Interface* interface = ItemOf(interfaces, i);
-        const unsigned int index = if_nametoindex(interface->name.data);
-        if (index != 0) interface->index = TqNumber(static_cast<int>(index));
-
-        for (const ifaddrs* address = addresses; address != nullptr; address = address->ifa_next) {
-            if (strcmp(address->ifa_name, interface->name.data) != 0) continue;
-            const unsigned int running = IFF_UP | IFF_RUNNING;
-            interface->up = TqBoolean((address->ifa_flags & running) == running);
-            interface->upIsKnown = true;
-        }
-    }
-    freeifaddrs(addresses);
-}
+// The sorted list counts with 16 bits as it sorts.
+const unsigned int mostInterfaces = 65535;
 
 }  // namespace
 
@@ -47,7 +25,7 @@ bool Poll::Read(const char* path) {
         if (!AppendLine(line.data, complaint)) reader.Complain(complaint.data);
     }
     if (interfaces.count == 0) Complain("%s: no interfaces", path);
-    if (strcmp(path, procNetDev) == 0) AskKernel(interfaces);
+    if (strcmp(path, procNetDev) == 0) AskKernel(*this);
     return interfaces.count > 0;
 }
 
@@ -59,8 +37,13 @@ bool Poll::AppendLine(const char* line, TqString& complaint) {
         complaint = TqString("a second line for ") + row->name.data;
         return false;
     }
+    if (interfaces.count == mostInterfaces) {
+        complaint = "too many interfaces";
+        return false;
+    }
     row->index = TqNumber(static_cast<int>(interfaces.count + 1));
     interfaces.InsertSlot(interfaces.count + 1, interface.object);
+    names.Add(&row->name);
     return true;
 }
 
@@ -93,4 +76,8 @@ Interface* Poll::Find(const char* name) const {
         if (strcmp(ItemOf(interfaces, i)->name.data, name) == 0) return ItemOf(interfaces, i);
     }
     return nullptr;
+}
+
+Interface* Poll::InOrder(unsigned int index) const {
+    return Find(static_cast<TqString*>(names.slots[index])->data);
 }

@@ -6,7 +6,7 @@
 namespace {
 
 // Marks a number that is not all that the kernel has counted.
-const char wrapMark = '*';
+const char wrapMark[] = "*";
 
 const char* Group(unsigned int value) {
     if (value == inOctets) return "received";
@@ -36,6 +36,7 @@ public:
     explicit TableLayout(const Poll& poll);
     void PrintGroups() const;
     void PrintHeadings() const;
+    void PrintOidColumns() const;
     void PrintRow(const Interface& interface) const;
 
 private:
@@ -52,7 +53,7 @@ TableLayout::TableLayout(const Poll& poll) {
         Widen(value, TqString(Heading(value)));
         for (unsigned int i = 1; i <= poll.interfaces.count; ++i) {
             TqString text;
-            CellText(*ItemOf(poll.interfaces, i), value, text);
+            CellText(*poll.InOrder(i), value, text);
             Widen(value, text);
         }
     }
@@ -87,13 +88,24 @@ void TableLayout::PrintHeadings() const {
     printf("%s\n", line.data);
 }
 
+// The columns' places in the table that managers read.
+void TableLayout::PrintOidColumns() const {
+    TqString line;
+    for (unsigned int value = 0; value < interfaceValueCount; ++value) {
+        TqString column(".");
+        column.AppendCounter(interfaceValueNames[value].column);
+        AppendCell(line, value, column);
+    }
+    printf("%s\n", line.data);
+}
+
 void TableLayout::PrintRow(const Interface& interface) const {
     TqString line;
     for (unsigned int value = 0; value < interfaceValueCount; ++value) {
         TqString text;
         CellText(interface, value, text);
         AppendCell(line, value, text);
-        if (interface.IsWrapped(value)) line.AppendChar(wrapMark);
+        if (interface.IsWrapped(value)) line += wrapMark;
     }
     printf("%s\n", line.data);
 }
@@ -101,10 +113,35 @@ void TableLayout::PrintRow(const Interface& interface) const {
 bool HasWrapped(const Poll& poll) {
     for (unsigned int i = 1; i <= poll.interfaces.count; ++i) {
         for (unsigned int value = 0; value < interfaceValueCount; ++value) {
-            if (ItemOf(poll.interfaces, i)->IsWrapped(value)) return true;
+            if (poll.InOrder(i)->IsWrapped(value)) return true;
         }
     }
     return false;
+}
+
+// The value in a column of the table that managers read; `interfaceValueCount` when we have none.
+unsigned int ValueInColumn(unsigned int column) {
+    unsigned int value = 0;
+    while (value < interfaceValueCount && interfaceValueNames[value].column != column) ++value;
+    return value;
+}
+
+// Goes through the columns of that table, and prints those that there are.
+void PrintOidsOf(const Interface& interface) {
+    const TqSnmpOid last = interface.Oid(interfaceValueCount - 1);
+    TqSnmpOid oid(interfaceTableEntry);
+    oid.Append(1);
+    oid.Append(interface.index.value);
+    for (; oid.Compare(last) <= 0; oid.IncrementTableRow()) {
+        const unsigned int value = ValueInColumn(oid.values[oid.count - 2]);
+        if (value == interfaceValueCount) continue;
+        TqString oidText;
+        TqString text;
+        oid.ToString(oidText);
+        CellText(interface, value, text);
+        printf("%-26s  %-14s  %s%s\n", oidText.data, interfaceValueNames[value].name, text.data,
+               interface.IsWrapped(value) ? wrapMark : "");
+    }
 }
 
 }  // namespace
@@ -113,11 +150,40 @@ void PrintTable(const Poll& poll) {
     const TableLayout layout(poll);
     layout.PrintGroups();
     layout.PrintHeadings();
+    layout.PrintOidColumns();
     for (unsigned int i = 1; i <= poll.interfaces.count; ++i) {
-        layout.PrintRow(*ItemOf(poll.interfaces, i));
+        layout.PrintRow(*poll.InOrder(i));
     }
+    printf("object identifiers: %s, column as above, index of the interface\n",
+           interfaceTableEntry);
     if (HasWrapped(poll)) {
-        printf("%c the kernel counts with 64 bits; shown is what a 32-bit counter shows\n",
+        printf("%s the kernel counts with 64 bits; shown is what a 32-bit counter shows\n",
                wrapMark);
     }
+}
+
+void PrintAddresses(const Poll& poll, const Configuration& configuration) {
+    const char* format = "%-15s  %-15s  %-15s  %-7s  %s\n";
+    if (poll.addresses.count > 0) {
+        printf("\n");
+        printf(format, "address", "mask", "network", "allowed", "interface");
+    }
+    for (unsigned int i = 1; i <= poll.addresses.count; ++i) {
+        const Subnet* subnet = ItemOf(poll.addresses, i);
+        TqString address;
+        TqString mask("-");
+        TqString network;
+        TqString allowed;
+        subnet->address.toString(address);
+        if (subnet->mask.valid != 0) subnet->mask.toString(mask);
+        subnet->Network().toString(network);
+        TqBoolean(configuration.Allows(subnet->address)).ToString(allowed);
+        printf(format, address.data, mask.data, network.data, allowed.data,
+               subnet->interfaceName.data);
+    }
+}
+
+void PrintOids(const Poll& poll) {
+    printf("\n");
+    for (unsigned int i = 1; i <= poll.interfaces.count; ++i) PrintOidsOf(*poll.InOrder(i));
 }

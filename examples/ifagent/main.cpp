@@ -22,18 +22,26 @@ const char usage[] =
     "has changed. Each FILE has the format of /proc/net/dev, which is the default.\n"
     "\n"
     "  -c, --config FILE  read what to do from FILE, lines such as \"poll On\"\n"
+    "  -t, --tftp SERVER FILE\n"
+    "                     fetch that file from a TFTP server instead\n"
     "  -n, --count N      poll N times; FILEs are read in turn, the last one again and again\n"
     "                     (default: each FILE once)\n"
     "  -i, --items        show the bytes that are sent\n"
+    "  -o, --oids         show each value with its object identifier\n"
     "  -m, --monitors     show what classes of monitors there are, and exit\n"
     "  -h, --help         show this, and exit\n"
+    "\n"
+    "A poll's time is UTC, written as the library writes dates: months count from 0 and years "
+    "from\n"
+    "1900, and in January there is the time of day only.\n"
     "\n"
     "Exit status: 0 when all went well; 1 when something was complained of, and the rest done all\n"
     "the same; 2 when the command line is wrong.\n";
 
 const option longOptions[] = {
-    {"config", required_argument, nullptr, 'c'}, {"count", required_argument, nullptr, 'n'},
-    {"items", no_argument, nullptr, 'i'},        {"monitors", no_argument, nullptr, 'm'},
+    {"config", required_argument, nullptr, 'c'}, {"tftp", required_argument, nullptr, 't'},
+    {"count", required_argument, nullptr, 'n'},  {"items", no_argument, nullptr, 'i'},
+    {"oids", no_argument, nullptr, 'o'},         {"monitors", no_argument, nullptr, 'm'},
     {"help", no_argument, nullptr, 'h'},         {nullptr, 0, nullptr, 0},
 };
 
@@ -48,20 +56,22 @@ struct CommandLine {
     const char* Path(int i) const;
 
     const char* configPath;
+    const char* tftpServer;  // where that is, if not here
     char** paths;
     int pathCount;
     int pollCount;  // 0 until said
-    bool showItems;
+    Show show;
     bool showClasses;
     bool showHelp;
 };
 
 CommandLine::CommandLine()
     : configPath(nullptr),
+      tftpServer(nullptr),
       paths(nullptr),
       pathCount(0),
       pollCount(0),
-      showItems(false),
+      show(),
       showClasses(false),
       showHelp(false) {}
 
@@ -81,19 +91,38 @@ bool ParseCount(const char* text, int& count) {
     return false;
 }
 
+// The option has two arguments, of which getopt knows one. False, after a complaint, when there is
+// only that.
+bool TakeTftp(int argc, char** argv, CommandLine& commandLine) {
+    if (optind >= argc) {
+        Complain("--tftp needs a server and a file");
+        return false;
+    }
+    commandLine.tftpServer = optarg;
+    commandLine.configPath = argv[optind++];
+    return true;
+}
+
 // False after a complaint.
 bool ParseCommandLine(int argc, char** argv, CommandLine& commandLine) {
     int letter = 0;
-    while ((letter = getopt_long(argc, argv, "c:n:imh", longOptions, nullptr)) != -1) {
+    while ((letter = getopt_long(argc, argv, "c:t:n:iomh", longOptions, nullptr)) != -1) {
         switch (letter) {
             case 'c':
                 commandLine.configPath = optarg;
+                commandLine.tftpServer = nullptr;
+                break;
+            case 't':
+                if (!TakeTftp(argc, argv, commandLine)) return false;
                 break;
             case 'n':
                 if (!ParseCount(optarg, commandLine.pollCount)) return false;
                 break;
             case 'i':
-                commandLine.showItems = true;
+                commandLine.show.items = true;
+                break;
+            case 'o':
+                commandLine.show.oids = true;
                 break;
             case 'm':
                 commandLine.showClasses = true;
@@ -113,13 +142,19 @@ bool ParseCommandLine(int argc, char** argv, CommandLine& commandLine) {
     return true;
 }
 
+// False, after a complaint, when there is none.
+bool ReadConfiguration(const CommandLine& commandLine, Configuration& configuration) {
+    if (commandLine.tftpServer != nullptr) {
+        return configuration.Fetch(commandLine.tftpServer, commandLine.configPath);
+    }
+    if (commandLine.configPath != nullptr) return configuration.Read(commandLine.configPath);
+    configuration.SetDefaults();
+    return true;
+}
+
 void Run(const CommandLine& commandLine) {
     Configuration configuration;
-    if (commandLine.configPath == nullptr) {
-        configuration.SetDefaults();
-    } else if (!configuration.Read(commandLine.configPath)) {
-        return;
-    }
+    if (!ReadConfiguration(commandLine, configuration)) return;
     if (!configuration.poll) {
         printf("poll is off: nothing to do\n");
         return;
@@ -128,7 +163,7 @@ void Run(const CommandLine& commandLine) {
     Agent agent(configuration);
     for (int i = 0; i < commandLine.pollCount; ++i) {
         if (i > 0) sleep(static_cast<unsigned int>(int(configuration.interval)));
-        agent.PollOnce(commandLine.Path(i), commandLine.showItems);
+        agent.PollOnce(commandLine.Path(i), commandLine.show);
     }
     agent.PrintSummary();
 }
