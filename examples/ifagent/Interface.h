@@ -48,7 +48,7 @@ class Interface : public TqBaseObject {
 public:
     Interface();
 
-    /// A value, as one of any type; `index` is an `InterfaceValue`.
+    /// A value, as one of any type; `i` is an `InterfaceValue`.
     TqDataType& Value(unsigned int i);
     const TqDataType& Value(unsigned int i) const;
 

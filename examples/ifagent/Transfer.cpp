@@ -16,7 +16,7 @@ void PrintItem(TqBuffer& buffer) {
     printf(" %05u%s", payload.length, text.data);
 }
 
-// What makes out of the values sent how many were received.
+// How the values that were received compare with those that were sent.
 struct Tally {
     unsigned int equal;
     unsigned int tooLarge;
