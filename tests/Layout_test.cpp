@@ -4,13 +4,24 @@
 
 #include <type_traits>
 
+#include "TqBaseList.h"
+#include "TqBaseObject.h"
+#include "TqBasePtrList.h"
+#include "TqBaseRef.h"
+#include "TqBaseRefList.h"
 #include "TqBoolean.h"
 #include "TqBuffer.h"
+#include "TqCallback.h"
+#include "TqCallbackChain.h"
+#include "TqCallbackData.h"
+#include "TqClassInfo.h"
+#include "TqClassRegistry.h"
 #include "TqCounter.h"
 #include "TqDataType.h"
 #include "TqDateTime.h"
 #include "TqFile.h"
 #include "TqFloat.h"
+#include "TqFunctionCb.h"
 #include "TqIpAddress.h"
 #include "TqNetworkMask.h"
 #include "TqNumber.h"
@@ -208,6 +219,117 @@ TEST(Layout, ASortedListOverridesNoOperation) {
     EXPECT_EQ(SlotOf(&TqSortedStringList::Add), -1);
 }
 
+// Objects, handles, lists and callbacks. The offsets behind a mutex are those with the mutex of
+// glibc, 24 bytes on the targets of 32 bits and 40 on x86-64.
+
+TEST(Layout, FieldsOfABaseObject) {
+    const TqBaseObject o;
+    const Offsets layout = LayoutOf(o, o.refCount, o.seqNum, o.self, o.objectMutex, o.destroying);
+    EXPECT_TRUE(StrictlyIncreasing(layout));
+    EXPECT_EQ(layout, PerTarget({4, 8, 12, 16, 40, 44}, {8, 12, 16, 24, 64, 72}));
+}
+
+TEST(Layout, FieldsOfADescriptor) {
+    const TqClassInfo i("", nullptr, nullptr);
+    const Offsets layout = LayoutOf(i, i.name, i.createFunc, i.parent, i.tallyA, i.tallyB);
+    EXPECT_TRUE(StrictlyIncreasing(layout));
+    EXPECT_EQ(layout, PerTarget({44, 96, 100, 104, 112, 120}, {72, 136, 144, 152, 168, 184}));
+}
+
+TEST(Layout, FieldsOfAHandle) {
+    const TqRef<TqBaseObject> r;
+    const Offsets layout = LayoutOf(r, r.object, r.objectSeqNum, r.refMutex);
+    EXPECT_TRUE(StrictlyIncreasing(layout));
+    EXPECT_EQ(layout, PerTarget({4, 8, 12, 36}, {8, 16, 24, 64}));
+}
+
+TEST(Layout, FieldsOfABaseList) {
+    const TqBaseList l;
+    const Offsets layout = LayoutOf(l, l.capacity, l.count, l.slots, l.walkDepth);
+    EXPECT_TRUE(StrictlyIncreasing(layout));
+    EXPECT_EQ(layout, PerTarget({44, 48, 52, 56, 60}, {68, 72, 80, 88, 96}));
+}
+
+TEST(Layout, APointerListAndAChainAddNoField) {
+    EXPECT_EQ(sizeof(TqBasePtrList), sizeof(TqBaseList));
+    EXPECT_EQ(sizeof(TqPtrList<int>), sizeof(TqBaseList));
+    EXPECT_EQ(sizeof(TqCallbackChain), sizeof(TqBaseList));
+}
+
+TEST(Layout, FieldOfAReferenceList) {
+    const TqRefList<TqBaseObject> l;
+    EXPECT_EQ(LayoutOf(l, l.listMutex), PerTarget({60, 84}, {96, 136}));
+}
+
+TEST(Layout, FieldOfTheRegistry) {
+    const TqClassRegistry r;
+    EXPECT_EQ(LayoutOf(r, r.classList), PerTarget({44, 128}, {72, 208}));
+}
+
+TEST(Layout, FieldsOfCallbacks) {
+    const TqFunctionCb c(nullptr, nullptr);
+    EXPECT_EQ(LayoutOf(c, c.userData, c.function), PerTarget({44, 48, 52}, {72, 80, 88}));
+    EXPECT_EQ(sizeof(TqCallback), sizeof(void*) == 4 ? 48u : 80u);
+    EXPECT_EQ(sizeof(TqCallbackData), sizeof(TqBaseObject));
+}
+
+// The slots that every object shares.
+template <class T>
+void ExpectTheSlotsOfAnObject() {
+    EXPECT_EQ(SlotOf(&T::Clone), 2);
+    EXPECT_EQ(SlotOf(static_cast<TqClassInfo* (T::*)() const>(&T::ClassInfo)), 3);
+}
+
+TEST(Layout, SlotsOfAnObject) {
+    ExpectTheSlotsOfAnObject<TqBaseObject>();
+    ExpectTheSlotsOfAnObject<TqClassInfo>();
+    ExpectTheSlotsOfAnObject<TqClassRegistry>();
+    ExpectTheSlotsOfAnObject<TqBaseList>();
+    ExpectTheSlotsOfAnObject<TqBasePtrList>();
+    ExpectTheSlotsOfAnObject<TqBaseRefList>();
+    ExpectTheSlotsOfAnObject<TqCallback>();
+    ExpectTheSlotsOfAnObject<TqFunctionCb>();
+    ExpectTheSlotsOfAnObject<TqCallbackData>();
+    ExpectTheSlotsOfAnObject<TqCallbackChain>();
+}
+
+TEST(Layout, SlotsThatADescriptorAdds) {
+    EXPECT_EQ(SlotOf(&TqClassInfo::SelfTest), 4);
+    EXPECT_EQ(SlotOf(static_cast<int (TqClassInfo::*)(const char*)>(&TqClassInfo::IsA)), 5);
+    EXPECT_EQ(SlotOf(static_cast<int (TqClassInfo::*)(TqClassInfo*)>(&TqClassInfo::IsA)), 6);
+}
+
+TEST(Layout, SlotThatTheRegistryAdds) {
+    EXPECT_EQ(SlotOf(&TqClassRegistry::SelfTest), 4);
+}
+
+template <class T>
+void ExpectTheSlotsOfAList() {
+    EXPECT_EQ(SlotOf(&T::SwapItems), 4);
+    EXPECT_EQ(SlotOf(&T::RemoveAllItems), 5);
+    EXPECT_EQ(SlotOf(&T::RemoveSlot), 6);
+    EXPECT_EQ(SlotOf(&T::InsertSlot), 7);
+    EXPECT_EQ(SlotOf(&T::ReplaceSlot), 8);
+}
+
+TEST(Layout, SlotsOfAList) {
+    ExpectTheSlotsOfAList<TqBaseList>();
+    ExpectTheSlotsOfAList<TqBasePtrList>();
+    ExpectTheSlotsOfAList<TqBaseRefList>();
+    ExpectTheSlotsOfAList<TqCallbackChain>();
+}
+
+TEST(Layout, SlotThatACallbackAdds) {
+    EXPECT_EQ(SlotOf(&TqCallback::Invoke), 4);
+    EXPECT_EQ(SlotOf(&TqFunctionCb::Invoke), 4);
+}
+
+TEST(Layout, SlotsOfAHandle) {
+    ExpectTheSlotsOfAValue<TqBaseRef>();
+    ExpectTheSlotsOfAValue<TqRef<TqBaseObject>>();
+    EXPECT_EQ(SlotOf(&TqBaseRef::SelfTest), 12);
+}
+
 // Whatever a class derived from T adds gets the slot behind T's last.
 template <class T>
 class Derived : public T {
@@ -229,6 +351,18 @@ TEST(Layout, NoTypeHasFurtherSlots) {
     EXPECT_EQ(SlotOf(&Derived<TqNetworkMask>::Next), 6);
     EXPECT_EQ(SlotOf(&Derived<TqFile>::Next), 7);
     EXPECT_EQ(SlotOf(&Derived<TqSortedStringList>::Next), 9);
+    EXPECT_EQ(SlotOf(&Derived<TqBaseObject>::Next), 4);
+    EXPECT_EQ(SlotOf(&Derived<TqClassInfo>::Next), 7);
+    EXPECT_EQ(SlotOf(&Derived<TqClassRegistry>::Next), 5);
+    EXPECT_EQ(SlotOf(&Derived<TqBaseRef>::Next), 13);
+    EXPECT_EQ(SlotOf(&Derived<TqRef<TqBaseObject>>::Next), 13);
+    EXPECT_EQ(SlotOf(&Derived<TqBaseList>::Next), 9);
+    EXPECT_EQ(SlotOf(&Derived<TqPtrList<int>>::Next), 9);
+    EXPECT_EQ(SlotOf(&Derived<TqRefList<TqBaseObject>>::Next), 9);
+    EXPECT_EQ(SlotOf(&Derived<TqCallback>::Next), 5);
+    EXPECT_EQ(SlotOf(&Derived<TqFunctionCb>::Next), 5);
+    EXPECT_EQ(SlotOf(&Derived<TqCallbackData>::Next), 4);
+    EXPECT_EQ(SlotOf(&Derived<TqCallbackChain>::Next), 9);
 }
 
 TEST(Layout, OtherOperationsAreNotVirtual) {
@@ -250,6 +384,24 @@ TEST(Layout, OtherOperationsAreNotVirtual) {
     EXPECT_EQ(SlotOf(static_cast<void (TqIpAddress::*)(unsigned long)>(&TqIpAddress::LogicalAND)),
               -1);
     EXPECT_EQ(SlotOf(&TqIpAddress::operator unsigned long), -1);
+    EXPECT_EQ(SlotOf(&TqBaseObject::NewInstance), -1);
+    EXPECT_EQ(SlotOf(static_cast<int (TqBaseObject::*)(const char*) const>(&TqBaseObject::IsA)),
+              -1);
+    EXPECT_EQ(SlotOf(static_cast<int (TqBaseObject::*)(TqClassInfo*) const>(&TqBaseObject::IsA)),
+              -1);
+    EXPECT_EQ(SlotOf(&TqClassInfo::NewObject), -1);
+    EXPECT_EQ(SlotOf(&TqClassRegistry::Find), -1);
+    EXPECT_EQ(SlotOf(&TqClassRegistry::Remove), -1);
+    EXPECT_EQ(SlotOf(&TqBaseRef::AssignNewObject), -1);
+    EXPECT_EQ(SlotOf(&TqBaseRef::GutCheck), -1);
+    EXPECT_EQ(SlotOf(&TqBaseList::PreAlloc), -1);
+    EXPECT_EQ(SlotOf(&TqBaseList::FindSlot), -1);
+    EXPECT_EQ(
+        SlotOf(static_cast<void* (TqBasePtrList::*)(unsigned int)>(&TqBasePtrList::RemoveItem)),
+        -1);
+    EXPECT_EQ(SlotOf(static_cast<void* (TqBasePtrList::*)(void*)>(&TqBasePtrList::RemoveItem)), -1);
+    EXPECT_EQ(SlotOf(&TqCallback::UserData), -1);
+    EXPECT_EQ(SlotOf(&TqCallbackChain::Invoke), -1);
 }
 
 }  // namespace
