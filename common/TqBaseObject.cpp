@@ -9,7 +9,7 @@ const char sourceName[] = "TqBaseObject";
 
 // What both count operations do first. The checks are unlocked reads, and no failure keeps the
 // count from changing.
-void CheckAndLock(TqBaseObject* obj, unsigned int seq) {
+TQ_LOOKS_AT_THE_DEAD void CheckAndLock(TqBaseObject* obj, unsigned int seq) {
     TQ_REPORT_IF(obj->destroying != 0);
     TQ_REPORT_IF(obj->self != obj);
     TQ_REPORT_IF(obj->seqNum != seq);

@@ -50,7 +50,7 @@ void TqBaseRef::AssignNewObject(TqBaseObject* obj) {
     TQ_REPORT_IF(refMutex.Unlock() != 0);
 }
 
-void TqBaseRef::GutCheck() const {
+TQ_LOOKS_AT_THE_DEAD void TqBaseRef::GutCheck() const {
     if (object == nullptr) return;
     TQ_REPORT_IF(object->self != object);
     TQ_REPORT_IF(objectSeqNum != object->seqNum);

@@ -16,7 +16,7 @@ void Unlock(const TqBaseRefList& list) {
 
 // The object in a slot, or null after a report when there is none. A dead or foreign object is
 // reported and returned.
-TqBaseObject* CheckedItem(const TqBaseRefList& list, unsigned int index) {
+TQ_LOOKS_AT_THE_DEAD TqBaseObject* CheckedItem(const TqBaseRefList& list, unsigned int index) {
     TqBaseObject* item = nullptr;
     if (index <= list.count && list.slots != nullptr) {
         item = static_cast<TqBaseObject*>(list.slots[index]);

@@ -39,6 +39,10 @@ __attribute__((no_sanitize("vptr"))) inline Field TqFieldTakenAs(const TqDataTyp
     return static_cast<const T&>(other).*field;
 }
 
+/// Marks what looks at an object to see whether it is one: the undefined-behaviour sanitizer must
+/// not ask that first.
+#define TQ_LOOKS_AT_THE_DEAD __attribute__((no_sanitize("vptr")))
+
 /// a - b, wrapping around at 32 bits.
 inline int TqWrappedDifference(int a, int b) {
     return static_cast<int>(static_cast<unsigned int>(a) - static_cast<unsigned int>(b));

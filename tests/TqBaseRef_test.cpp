@@ -549,8 +549,8 @@ TEST_F(TqBaseRefReentered, CopyingItLocksItToo) {
 }
 
 TEST_F(TqBaseRefReentered, InItsDestructorItDoesNotHangEither) {
-    Handle& dying = *handle;
-    *handle = new Mortal(deaths, [&dying] { dying = nullptr; });
+    TqBaseRef& dying = *handle;
+    *handle = new Mortal(deaths, [&dying] { dying.AssignNewObject(nullptr); });
     handle.reset();
     EXPECT_EQ(TakeReports(), Reports({"TqBaseRef", "TqBaseObject", "TqBaseObject", "TqBaseRef"}));
     EXPECT_EQ(deaths, 1);
