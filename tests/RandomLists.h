@@ -21,10 +21,10 @@ public:
     void*& At(unsigned int index) { return items[index - 1]; }
 
     void Insert(unsigned int index, void* item) {
-        items.insert(items.begin() + (index - 1), item);
+        items.insert(items.begin() + static_cast<int>(index - 1), item);
         if (Count() == capacity) capacity = Count() + 16;
     }
-    void Remove(unsigned int index) { items.erase(items.begin() + (index - 1)); }
+    void Remove(unsigned int index) { items.erase(items.begin() + static_cast<int>(index - 1)); }
     void PreAlloc(unsigned int entries) { capacity = std::max(capacity, entries); }
 
     unsigned int Find(void* item) const {
