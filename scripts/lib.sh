@@ -12,7 +12,8 @@ packages_of() {
         *) echo cmake ninja-build g++ googletest pkg-config ;;
     esac
     case $1 in
-        dev | clang) echo clang gdb ;;
+        dev | clang) echo clang gdb libsnmp-dev ;;
+        asan) echo libsnmp-dev ;;
         release) echo clang gdb libbenchmark-dev ;;
         coverage) echo gcovr ;;
         i686) echo g++-i686-linux-gnu ;;
@@ -32,6 +33,7 @@ tool_of() {
         googletest) echo /usr/include/gtest/gtest.h ;;
         qemu-user) echo qemu-ppc ;;
         abigail-tools) echo abidiff ;;
+        libsnmp-dev) echo /usr/include/net-snmp/net-snmp-includes.h ;;
         libbenchmark-dev) echo /usr/include/benchmark/benchmark.h ;;
         g++-*) echo "${1#g++-}-g++" ;;
         *) echo "$1" ;;

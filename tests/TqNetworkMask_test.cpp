@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
 
 #include "TqString.h"
@@ -31,6 +32,30 @@ TEST(TqNetworkMask, IsZeroAndNotValidByDefault) {
 TEST(TqNetworkMask, HasNoZeroAboveAOneUpToBit30) {
     for (unsigned int mask : masks) EXPECT_TRUE(TqNetworkMask::isValidMask(mask)) << mask;
     for (unsigned int none : noMasks) EXPECT_FALSE(TqNetworkMask::isValidMask(none)) << none;
+}
+
+// The rule in other words: the valid values written down, bit 31 left out of account.
+bool IsListed(unsigned int number) {
+    static const std::set<unsigned int> listed = [] {
+        std::set<unsigned int> values = {0};
+        for (int zeros = 0; zeros < 31; ++zeros) {
+            values.insert(0x7FFFFFFFu >> zeros << zeros);
+        }
+        return values;
+    }();
+    return number != 0xFFFFFFFFu && listed.count(number & 0x7FFFFFFFu) != 0;
+}
+
+TEST(TqNetworkMask, FollowsItsRuleForAllValuesOfEachHalf) {
+    int valid = 0;
+    for (unsigned int half = 0; half <= 0xFFFF; ++half) {
+        for (unsigned int number : {half << 16, half << 16 | 0xFFFF, half << 16 | 0xFF00, half,
+                                    0xFFFF0000 | half, 0x7FFF0000 | half, 0x80000000 | half}) {
+            ASSERT_EQ(TqNetworkMask::isValidMask(number), IsListed(number)) << number;
+            valid += IsListed(number) ? 1 : 0;
+        }
+    }
+    EXPECT_GT(valid, 64);
 }
 
 TEST(TqNetworkMask, RefusesTheMaskOfASingleHost) {
