@@ -2,7 +2,6 @@
 set(TQ_WARNINGS
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
     -Woverloaded-virtual -Wundef -Wextra-semi -Wformat=2 -Wno-format-nonliteral)
-set(TQ_WARNINGS_Clang -Wthread-safety)
 set(TQ_WARNINGS_GNU -Wsuggest-override -Wlogical-op -Wduplicated-cond)
 
 function(tq_warnings target)
