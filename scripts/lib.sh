@@ -9,6 +9,7 @@ packages_of() {
     case $1 in
         demo) echo cmake ninja-build g++ ;;
         lint) echo g++ clang-format clang-tidy shellcheck ;;
+        load) echo g++ binutils python3 libglib2.0-0 libqt5core5a ;;
         *) echo cmake ninja-build g++ googletest pkg-config ;;
     esac
     case $1 in
