@@ -217,8 +217,8 @@ TEST_F(TqFileTest, OpensForAppending) {
     TqFile file;
     EXPECT_EQ(Open(file, Make("ab\n"), TqFile::append), 1);
     std::fseek(file.stream, 0, SEEK_SET);
-    EXPECT_GE(std::fputs("cd\n", file.stream), 0);
     EXPECT_EQ(file.NextLine(), nullptr);
+    EXPECT_GE(std::fputs("cd\n", file.stream), 0);
     EXPECT_EQ(file.Close(), 1);
     EXPECT_EQ(Content(), "ab\ncd\n");
     EXPECT_EQ(Open(file, Path("other"), TqFile::append), 1);

@@ -305,6 +305,17 @@ TEST(TqFloat, EqualsReportsAnotherTypeByTheHeadersNameAndGoesOn) {
     EXPECT_EQ(TakeReports(), Reports({"./TqFloat", "./TqFloat"}));
 }
 
+// The operation stands in the header: applications have a copy of their own, the library another.
+TEST(TqFloat, EqualsIsTheSameThroughTheTableOfOperations) {
+    const Voltage two(2);
+    const TqFloat plain(2);
+    const TqDataType& value = plain;
+    EXPECT_TRUE(value.Equals(&two));
+    EXPECT_EQ(TakeReports(), Reports({"./TqFloat"}));
+    EXPECT_FALSE(value.Equals(nullptr));
+    EXPECT_TRUE(value.Equals(&plain));
+}
+
 TEST(TqFloat, EqualsAsksThisObjectForItsTypeToo) {
     const TqFloat plain(2);
     EXPECT_TRUE(Voltage(2).Equals(&plain));
