@@ -108,7 +108,8 @@ bool TftpServer::Continue(Transfer& transfer, const Endpoint& sender, const Octe
         ++transfer.block;
         transfer.resends = 0;
         SendBlock(transfer);
-    } else if (acknowledged + 1 == transfer.block) {
+    } else if (acknowledged + 1 == transfer.block &&
+               Now() - transfer.sentAt >= settings.repeatAfter) {
         SendBlock(transfer);
     }
     return true;

@@ -10,14 +10,16 @@
 /// A small TFTP server (RFC 1350) that only answers read requests in octet mode, for examples and
 /// tests on loopback. It serves the regular files below one directory.
 ///
-/// A block is sent again when the client acknowledges the one before it again, and, if so wished,
-/// when the client has been silent for a while.
+/// A block is sent again when the client has been silent for a while, and when it acknowledges the
+/// block before once more, but then only after a pause: answering every repeat with a repeat would
+/// multiply them.
 class TftpServer {
 public:
     struct Settings {
         std::string directory;
-        int resendAfter = 1000;  ///< milliseconds; 0 leaves it to the client
+        int resendAfter = 1000;  ///< milliseconds of silence; 0 leaves it to the client
         int resends = 10;        ///< in a row, before the client is given up
+        int repeatAfter = 500;   ///< milliseconds before a repeat is answered
     };
 
     /// Takes over the socket that the requests come to, bound to port 69 as a rule.

@@ -3,15 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <string>
 #include <vector>
 
 /// What tests of the TFTP client in this very process have in common: a network, a client that has
 /// nothing open, no replaced system calls, and an end for what hangs.
 class TftpTest : public testing::Test {
-protected:
-    void SetUp() override;
-    void TearDown() override;
-
+public:
     /// Whether any test has used the client in this process: its first state is gone then.
     static bool IsClientUsed();
 
@@ -20,6 +19,14 @@ protected:
 
     /// The descriptors in use.
     static std::vector<int> Descriptors();
+
+protected:
+    void SetUp() override;
+    void TearDown() override;
 };
+
+/// Reads a whole file, in octet mode, with the client of this process. Returns 0, or a result code,
+/// with what was read up to then.
+unsigned int FetchByTftp(std::uint32_t host, const std::string& name, std::string& data);
 
 #endif
