@@ -10,7 +10,7 @@ packages_of() {
         demo) echo cmake ninja-build g++ ;;
         lint) echo g++ clang-format clang-tidy shellcheck ;;
         load) echo g++ binutils python3 libglib2.0-0 libqt5core5a ;;
-        *) echo cmake ninja-build g++ googletest pkg-config ;;
+        *) echo cmake ninja-build g++ googletest pkg-config tftpd-hpa dnsmasq-base ;;
     esac
     case $1 in
         dev | clang) echo clang gdb libsnmp-dev ;;
@@ -35,6 +35,8 @@ tool_of() {
         qemu-user) echo qemu-ppc ;;
         abigail-tools) echo abidiff ;;
         libsnmp-dev) echo /usr/include/net-snmp/net-snmp-includes.h ;;
+        tftpd-hpa) echo /usr/sbin/in.tftpd ;;
+        dnsmasq-base) echo /usr/sbin/dnsmasq ;;
         libbenchmark-dev) echo /usr/include/benchmark/benchmark.h ;;
         g++-*) echo "${1#g++-}-g++" ;;
         *) echo "$1" ;;
@@ -71,9 +73,24 @@ need() {
     fi
     echo "installing ${missing[*]}"
     quietly "${sudo[@]}" apt-get -q -y update
+    install "${missing[@]}" || echo "could not install all of them; going on with what is there"
+}
+
+# install PACKAGE...: takes nothing away for it. A server among them is started by tests, where they
+# want it, and never becomes a service of the machine.
+install() {
+    local policy=/usr/sbin/policy-rc.d own_policy=
+    if [ ! -e $policy ]; then
+        own_policy=$policy
+        printf '#!/bin/sh\nexit 101\n' | "${sudo[@]}" tee $policy >/dev/null
+        "${sudo[@]}" chmod +x $policy
+    fi
+    local status=0
     quietly "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -y \
-        -o DPkg::Lock::Timeout=300 install --no-install-recommends "${missing[@]}" ||
-        echo "could not install all of them; going on with what is there"
+        -o DPkg::Lock::Timeout=300 install --no-install-recommends --no-remove "$@" || status=1
+    case " $* " in *' tftpd-hpa '*) "${sudo[@]}" update-rc.d tftpd-hpa disable 2>/dev/null ;; esac
+    [ -z "$own_policy" ] || "${sudo[@]}" rm -f "$own_policy"
+    return $status
 }
 
 # quietly COMMAND...: shows what the command prints only when it fails.

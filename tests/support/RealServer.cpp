@@ -5,6 +5,7 @@
 #include <netinet/in.h>
 #include <unistd.h>
 
+#include <stdexcept>
 #include <vector>
 
 #include "Files.h"
@@ -77,5 +78,5 @@ RealServer::RealServer(Program program, const std::string& directory) {
         EXPECT_EQ(setsockopt(socket.Descriptor(), IPPROTO_IP, IP_PKTINFO, &on, sizeof on), 0);
         child.reset(new Child([&] { ExecuteTftpdHpa(socket, directory); }));
     }
-    EXPECT_TRUE(Answers()) << paths[program];
+    if (!Answers()) throw std::runtime_error(paths[program] + std::string(" does not answer"));
 }

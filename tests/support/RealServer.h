@@ -14,7 +14,7 @@ public:
     /// Why the program cannot run here; empty when it can.
     static std::string Problem(Program program);
 
-    /// Serves a directory, and answers from now on. A failure of the running test when it does not.
+    /// Serves a directory, and answers from now on. Throws when it does not.
     RealServer(Program program, const std::string& directory);
 
 private:

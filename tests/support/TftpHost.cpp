@@ -4,6 +4,10 @@
 
 namespace {
 
+// Taken before main, since children have the hosts of their parent.
+const std::uint32_t ownAddresses = 0x7F000000u | (static_cast<std::uint32_t>(getpid()) & 0xFFFFu)
+                                                     << 8;
+
 std::string FindNetwork(bool& isOwn) {
     const std::string problem = EnterOwnNetwork();
     isOwn = problem.empty();
@@ -30,9 +34,7 @@ bool HasOwnNetwork() {
 }
 
 std::uint32_t Host(unsigned int number) {
-    static const std::uint32_t network =
-        0x7F000000u | (static_cast<std::uint32_t>(getpid()) & 0xFFFFu) << 8;
-    return network | number;
+    return ownAddresses | number;
 }
 
 Endpoint RequestPort(unsigned int hostNumber) {
