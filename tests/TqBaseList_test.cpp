@@ -197,9 +197,11 @@ TEST_F(TqBaseListOfThree, RemovingTheLastMovesNothing) {
 }
 
 TEST_F(TqBaseListOfThree, RemovingMovesTheItemsAboveDown) {
+    list.slots[4] = s;
     list.RemoveSlot(1);
     EXPECT_EQ(ItemsOf(list), Items({q, r}));
     EXPECT_EQ(list.slots[0], nullptr);
+    EXPECT_EQ(list.slots[3], r) << "and no more than those";
     list.RemoveSlot(1);
     EXPECT_EQ(ItemsOf(list), Items({r}));
     list.RemoveSlot(1);

@@ -120,9 +120,9 @@ TEST_F(TqBasePtrListOfThree, RemoveByPointerHandsTheItemBack) {
 
 TEST(TqBasePtrList, RemoveByPointerTakesTheFirstOfTwo) {
     TqBasePtrList list;
-    Append(list, {p, q, q});
+    Append(list, {p, q, r, q});
     EXPECT_EQ(list.RemoveItem(q), q);
-    EXPECT_EQ(ItemsOf(list), Items({p, q}));
+    EXPECT_EQ(ItemsOf(list), Items({p, r, q}));
 }
 
 TEST_F(TqBasePtrListOfThree, RemoveByAPointerThatIsNotThereChangesNothing) {

@@ -197,6 +197,7 @@ TEST_F(TqClassInfoKinship, AClassIsNoKindOfOthers) {
 }
 
 TEST_F(TqClassInfoKinship, NullIsNobodysAncestorAndIsNotReported) {
+    const Registered registered(&root);
     EXPECT_EQ(leaf.IsA(static_cast<TqClassInfo*>(nullptr)), 0);
     EXPECT_EQ(leaf.IsA(static_cast<const char*>(nullptr)), 0);
     EXPECT_EQ(TakeReports(), Reports());
