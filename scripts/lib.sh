@@ -61,7 +61,7 @@ need() {
     [ ${#missing[@]} -gt 0 ] || return 0
 
     if ! command -v apt-get >/dev/null; then
-        echo "missing: $(for package in "${missing[@]}"; do tool_of "$package"; done | xargs)"
+        for package in "${missing[@]}"; do echo "missing: $(tool_of "$package")"; done
         return 0
     fi
     if [ "$(id -u)" != 0 ]; then
