@@ -9,7 +9,7 @@ readelf=$2
 library=$3
 failed=0
 
-versioned=$("$nm" -DC --defined-only "$library" | sed 's/^[0-9a-f]* *[A-Za-z] //' |
+versioned=$("$nm" -D --defined-only "$library" | sed 's/^[0-9a-f]* *[A-Za-z] //' |
     grep -v '^TQCOMMON_[0-9.]*\(@.*\)\?$')
 unversioned=$(echo "$versioned" | grep -v '@@TQCOMMON_[0-9.]*$')
 if [ -n "$unversioned" ]; then
@@ -17,7 +17,8 @@ if [ -n "$unversioned" ]; then
     echo "$unversioned"
     failed=1
 fi
-exported=$(echo "$versioned" | sed 's/@@TQCOMMON_[0-9.]*$//')
+# Not every nm demangles a name that has a version.
+exported=$(echo "$versioned" | sed 's/@@TQCOMMON_[0-9.]*$//' | c++filt)
 if ! echo "$exported" | grep -q '^TqRegisterAssertCb$'; then
     echo "$library exports no TqRegisterAssertCb"
     failed=1
