@@ -28,8 +28,8 @@ namespace {
 using Troubles = TftpProxy::Troubles;
 
 const int clockSpeed = 10000;
-const unsigned int signalPeriod = 2000;       // microseconds
-const long long longestTransfer = 60 * 1000;  // milliseconds; a transfer beyond hangs
+const unsigned int signalPeriod = 2000;        // microseconds
+const long long longestTransfer = 120 * 1000;  // milliseconds; a transfer beyond hangs
 
 #if defined(TQ_EMULATED) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 const unsigned int slowdown = 5;

@@ -71,6 +71,9 @@ void TftpServer::Serve(int milliseconds) {
 }
 
 void TftpServer::Answer(const Endpoint& client, const Octets& request) {
+    for (Transfer& transfer : transfers) {
+        if (transfer.client == client) return Repeat(transfer);
+    }
     if (request.size() < 4 || NumberAt(request, 0) != readRequest || request.back() != '\0') {
         return Refuse(client, 4, "Only read requests");
     }
@@ -108,11 +111,14 @@ bool TftpServer::Continue(Transfer& transfer, const Endpoint& sender, const Octe
         ++transfer.block;
         transfer.resends = 0;
         SendBlock(transfer);
-    } else if (acknowledged + 1 == transfer.block &&
-               Now() - transfer.sentAt >= settings.repeatAfter) {
-        SendBlock(transfer);
+    } else if (acknowledged + 1 == transfer.block) {
+        Repeat(transfer);
     }
     return true;
+}
+
+void TftpServer::Repeat(Transfer& transfer) {
+    if (Now() - transfer.sentAt >= settings.repeatAfter) SendBlock(transfer);
 }
 
 bool TftpServer::Resend(Transfer& transfer) {

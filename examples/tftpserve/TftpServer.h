@@ -10,9 +10,9 @@
 /// A small TFTP server (RFC 1350) that only answers read requests in octet mode, for examples and
 /// tests on loopback. It serves the regular files below one directory.
 ///
-/// A block is sent again when the client has been silent for a while, and when it acknowledges the
-/// block before once more, but then only after a pause: answering every repeat with a repeat would
-/// multiply them.
+/// A block is sent again when the client has been silent for a while, and when it repeats its
+/// request or its acknowledgement of the block before, but then only after a pause: answering every
+/// repeat with a repeat would multiply them.
 class TftpServer {
 public:
     struct Settings {
@@ -41,6 +41,7 @@ private:
     void Answer(const Endpoint& client, const Octets& request);
     void Refuse(const Endpoint& client, unsigned int code, const char* text);
     bool Continue(Transfer& transfer, const Endpoint& sender, const Octets& packet);
+    void Repeat(Transfer& transfer);
     bool Resend(Transfer& transfer);
     void SendBlock(Transfer& transfer);
 
