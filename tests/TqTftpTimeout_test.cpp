@@ -225,7 +225,10 @@ TEST_F(TqTftpTimeout, AWaitAcrossTheWrapOfTheClockExpiresInTime) {
     now = (1ull << 32) - 50;
     TFTP_TO_STRUCT to;
     TFTP_timeout_init(&to);
-    now += 3999;
+    now += 10;
+    EXPECT_EQ(TFTP_timeout_left(&to, &expired), 3990u);
+    EXPECT_EQ(expired, 0u);
+    now += 3989;
     EXPECT_EQ(TFTP_timeout_left(&to, &expired), 1u);
     EXPECT_EQ(expired, 0u);
     now += 1;

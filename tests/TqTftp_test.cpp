@@ -11,6 +11,7 @@
 #include <cstring>
 #include <vector>
 
+#include "Child.h"
 #include "SystemCalls.h"
 #include "TftpScript.h"
 #include "TftpTest.h"
@@ -162,6 +163,7 @@ TEST_F(TqTftp, TheSocketIsAnIpv4DatagramSocketAtAnyAddressAndPort) {
     EXPECT_EQ(value, SOCK_DGRAM);
     EXPECT_EQ(getsockopt(descriptor, SOL_SOCKET, SO_PROTOCOL, &value, &size), 0);
     EXPECT_EQ(value, IPPROTO_UDP);
+    EXPECT_EQ(fcntl(descriptor, F_GETFL) & O_NONBLOCK, 0);
 }
 
 // Every descriptor below the limit taken, as long as the object lives.
@@ -639,6 +641,25 @@ TEST_F(TqTftp, ATimeoutOfSelectIsPrintedAndTheReceiveBlocksAllTheSame) {
     Play(Accepted(1) + Steps{Prints(""), Passes(1000000), Sends(Server(), Data(2, "late")),
                              Reads("late"), Prints("(TqTftp, 0): select() timeout  .\r\n"),
                              Waits({4, 4}), Arrives(Server(), Acknowledgement(2)), Closes(0)});
+}
+
+TEST_F(TqTftp, TheReceiveReallyBlocks) {
+    const UdpSocket server(RequestPort());
+    TFTP_OPEN_STRUCT request = RequestOf("f", "octet");
+    ASSERT_EQ(TFTP_open(&request), 0u);
+    Octets datagram;
+    Endpoint client;
+    ASSERT_TRUE(server.Receive(datagram, client, 20000));
+    const Child late([&] {
+        usleep(300000);
+        server.Send(client, Data(1, "late"));
+    });
+    systemCalls.select = [](int, fd_set*, timeval*) { return 0; };
+    testing::internal::CaptureStdout();
+    unsigned int length = 0;
+    EXPECT_NE(TFTP_read(&length), nullptr);
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(length, 4u);
 }
 
 TEST_F(TqTftp, AFailureOfSelectIsPrintedAndTheReceiveBlocksAllTheSame) {
