@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <string>
-#include <utility>
 
 /// Turns netascii, as it comes block by block, into text of this system: CR LF ends a line, CR NUL
 /// is a CR. A CR before anything else stays one.
@@ -17,7 +16,11 @@ public:
     }
 
     /// What was held back.
-    std::string End() { return std::string(std::exchange(hasReturn, false) ? 1 : 0, '\r'); }
+    std::string End() {
+        std::string held(hasReturn ? 1 : 0, '\r');
+        hasReturn = false;
+        return held;
+    }
 
 private:
     void Take(char c, std::string& text) {

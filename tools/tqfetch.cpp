@@ -153,7 +153,7 @@ std::string ParseMode(const char* text) {
 
 // What stands behind the last slash.
 std::string OwnNameFor(const std::string& file) {
-    const std::string name = file.substr(file.rfind('/') + 1);
+    std::string name = file.substr(file.rfind('/') + 1);
     if (name.empty() || name == "." || name == ".." || name == "-") {
         std::fprintf(stderr, "tqfetch: %s: no name for a file here; use -o\n", file.c_str());
         std::exit(exitUsage);
@@ -284,7 +284,7 @@ Outcome Transfer(const Options& options, unsigned int address, TargetFile& targe
     const unsigned int result = TFTP_open(&request);
     if (result != 0) return WithReason(OutcomeOf(result), errno);
     StartTicks();
-    const Outcome outcome = ReadBlocks(options, target, progress);
+    Outcome outcome = ReadBlocks(options, target, progress);
     const itimerval off = itimerval();
     setitimer(ITIMER_REAL, &off, nullptr);
     TFTP_close();
