@@ -28,7 +28,7 @@ protected:
 };
 
 #define EXPECT_IN_CHILD(condition) \
-    EXPECT_EXIT(_exit((condition) ? 0 : 1), testing::ExitedWithCode(0), "")
+    EXPECT_EXIT(alarm(60); _exit((condition) ? 0 : 1), testing::ExitedWithCode(0), "")
 
 TEST_F(TqTftpClosed, EndOfFileIsZeroBeforeTheFirstTransfer) {
     EXPECT_EQ(TFTP_eof(), 0u);

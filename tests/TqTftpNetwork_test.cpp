@@ -16,6 +16,7 @@
 
 #include "Child.h"
 #include "Files.h"
+#include "Slow.h"
 #include "SystemCalls.h"
 #include "TftpHost.h"
 #include "TftpProxy.h"
@@ -31,7 +32,7 @@ const int clockSpeed = 10000;
 const unsigned int signalPeriod = 2000;        // microseconds
 const long long longestTransfer = 120 * 1000;  // milliseconds; a transfer beyond hangs
 
-#if defined(TQ_EMULATED) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef TQ_SLOW
 const unsigned int slowdown = 5;
 #else
 const unsigned int slowdown = 1;

@@ -6,6 +6,7 @@
 
 #include "Files.h"
 #include "RealServer.h"
+#include "Slow.h"
 #include "TftpHost.h"
 #include "TftpTest.h"
 
@@ -48,8 +49,8 @@ TEST_P(TqTftpServers, TheLargestFileComesByteForByte) {
 }
 
 TEST_P(TqTftpServers, AFileOfOneByteMoreDoesNot) {
-#ifdef TQ_EMULATED
-    GTEST_SKIP() << "takes too long in an emulator; a scripted server does the same there";
+#ifdef TQ_SLOW
+    GTEST_SKIP() << "takes too long here; a scripted server does the same";
 #endif
     const RealServer server(GetParam(), directory.Path());
     const std::string file = RandomBytes(65535 * 512, 1);

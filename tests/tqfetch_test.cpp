@@ -20,6 +20,7 @@
 #include "Outcome.h"
 #include "Program.h"
 #include "RealServer.h"
+#include "Slow.h"
 #include "TargetFile.h"
 #include "TftpHost.h"
 #include "TftpProxy.h"
@@ -390,7 +391,7 @@ TEST_F(Tqfetch, AMachineWithoutDescriptorsOrMemoryIsNoCrash) {
         statuses.insert(result.status);
         EXPECT_GE(result.status, 0);
     }
-#if !defined(TQ_EMULATED) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#ifndef TQ_SLOW
     EXPECT_EQ(statuses.count(6), 1u);
 #endif
     EXPECT_EQ(statuses.count(0), 1u);
@@ -627,7 +628,7 @@ TEST_F(Tqfetch, KilledHalfWayItLeavesNoFile) {
 }
 
 TEST_F(Tqfetch, KilledHalfWayItLeavesNoFileThatHasAName) {
-#if defined(TQ_EMULATED) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef TQ_SLOW
     GTEST_SKIP() << "emulators and sanitizers do not start without /proc";
 #endif
     for (const int number : {SIGTERM, SIGINT}) {
@@ -764,8 +765,8 @@ TEST_P(TqfetchServers, FilesOfEverySizeComeByteForByte) {
 }
 
 TEST_P(TqfetchServers, TheLargestFileComesByteForByte) {
-#ifdef TQ_EMULATED
-    GTEST_SKIP() << "takes too long in an emulator; the client's own test reads such a file there";
+#ifdef TQ_SLOW
+    GTEST_SKIP() << "takes too long here; the client's own test reads such a file";
 #endif
     const RealServer server(GetParam(), served.Path());
     const std::string file = RandomBytes(65535 * 512 - 1, 1);
