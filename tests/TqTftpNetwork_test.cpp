@@ -30,6 +30,7 @@ using Troubles = TftpProxy::Troubles;
 
 const int clockSpeed = 10000;
 const unsigned int signalPeriod = 2000;        // microseconds
+const unsigned int longestTest = 280;          // seconds
 const long long longestTransfer = 120 * 1000;  // milliseconds; a transfer beyond hangs
 
 #ifdef TQ_SLOW
@@ -185,8 +186,9 @@ class TqTftpNetwork : public TftpTest {
 protected:
     void SetUp() override {
         if (!TftpNetworkProblem().empty()) GTEST_SKIP() << TftpNetworkProblem();
+        alarm(longestTest);
     }
-    void TearDown() override {}
+    void TearDown() override { alarm(0); }
 
     // Runs the transfers in several processes at a time, which wait more than they work.
     void Run(unsigned int transfers, const Cases& cases) {
