@@ -441,6 +441,26 @@ TEST_F(Tqfetch, AnUnknownNameHasItsStatus) {
     EXPECT_EQ(directory.Names(), Names());
 }
 
+TEST_F(Tqfetch, ClosedStandardDescriptorsDoNotMixWithTheFile) {
+    const Child server = AnswerWithBlocks(1);
+    const Child good = Serve(2);
+    WriteFile(served.Path("motd"), "hello");
+    Program::Settings settings = InDirectory();
+    settings.prepare = [] {
+        for (const int descriptor : {0, 1, 2}) close(descriptor);
+    };
+    EXPECT_EQ(RunProgram(Built(TQFETCH, {HostName(2), "motd"}), settings).status, 0);
+    EXPECT_EQ(ReadFile(directory.Path("motd")), "hello");
+    // Here there is something to say.
+    const std::string output = directory.Path("output");
+    WriteFile(output, "");
+    EXPECT_EQ(
+        RunProgram(Built(TQFETCH, {"-t", "1", "-o", "output", HostName(1), "f"}), settings).status,
+        4);
+    EXPECT_EQ(ReadFile(output), "");
+    EXPECT_EQ(RunProgram(Built(TQFETCH, {"-o", "-", HostName(2), "motd"}), settings).status, 1);
+}
+
 // Silence and loss.
 
 TEST_F(Tqfetch, ASilentServerIsGivenUp) {

@@ -109,6 +109,16 @@ void HandleSignals() {
     }
 }
 
+// What is opened must not take the place of a standard descriptor that the parent closed: messages
+// would end up in the file.
+void OccupyStandardDescriptors() {
+    int descriptor;
+    do {
+        descriptor = open("/dev/null", O_RDONLY);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    if (descriptor >= 0) close(descriptor);
+}
+
 void StartTicks() {
     itimerval timer = itimerval();
     timer.it_interval.tv_usec = timer.it_value.tv_usec = 1000000 / ticksPerSecond;
@@ -311,6 +321,7 @@ int Fetch(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    OccupyStandardDescriptors();
     const Options options = ParseArguments(argc, argv);
     HandleSignals();
     try {
