@@ -16,7 +16,7 @@
 
 #include "Child.h"
 #include "Files.h"
-#include "Slow.h"
+#include "Scale.h"
 #include "SystemCalls.h"
 #include "TftpHost.h"
 #include "TftpProxy.h"
@@ -32,12 +32,6 @@ const int clockSpeed = 10000;
 const unsigned int signalPeriod = 2000;        // microseconds
 const unsigned int longestTest = 280;          // seconds
 const long long longestTransfer = 120 * 1000;  // milliseconds; a transfer beyond hangs
-
-#ifdef TQ_SLOW
-const unsigned int slowdown = 5;
-#else
-const unsigned int slowdown = 1;
-#endif
 
 // One transfer: what is asked for and what the network is like.
 struct Case {
@@ -68,6 +62,16 @@ Octets SomeFile(Dice& dice) {
     const std::size_t blocks = dice.UpTo(199);
     const std::size_t tail = dice.UpTo(2) == 0 ? 0 : 1 + dice.UpTo(510);
     return RandomBytes(blocks * 512 + tail, dice.UpTo(1000000));
+}
+
+// Some file, from a server that leaves it to the client to resend.
+Case SomeCase(unsigned int seed, Dice& dice) {
+    Case test;
+    test.seed = seed;
+    test.file = SomeFile(dice);
+    test.server.resendAfter = 0;
+    test.server.repeatAfter = 1;
+    return test;
 }
 
 // The client, in a child of the test.
@@ -235,28 +239,22 @@ private:
 };
 
 TEST_F(TqTftpNetwork, TransfersEndWithTheExactBytesOrAResultCode) {
-    Run(1000 / slowdown, [](unsigned int seed) {
+    Run(isDevice ? 1000 : Scaled(1000, 200), [](unsigned int seed) {
         Dice dice(seed);
-        Case test;
-        test.seed = seed;
-        test.file = SomeFile(dice);
+        Case test = SomeCase(seed, dice);
         test.troubles.loss = dice.UpTo(30);
         test.troubles.duplication = seed % 4 == 0 ? 0 : dice.UpTo(30);
         // Nothing overtakes in two of four networks, and there every transfer must be complete.
         test.troubles.delay = seed % 4 < 2 ? 0 : dice.UpTo(30);
         test.mustComplete = test.troubles.delay == 0;
-        test.server.resendAfter = 0;
-        test.server.repeatAfter = 1;
         return test;
     });
 }
 
 TEST_F(TqTftpNetwork, AServerThatSendsAgainMakesUpForTheBlockingReceive) {
-    Run(200 / slowdown, [](unsigned int seed) {
+    Run(Scaled(200, 40), [](unsigned int seed) {
         Dice dice(seed);
-        Case test;
-        test.seed = seed;
-        test.file = SomeFile(dice);
+        Case test = SomeCase(seed, dice);
         test.troubles.loss = dice.UpTo(30);
         test.troubles.duplication = dice.UpTo(30);
         test.troubles.sparesRequests = true;
@@ -264,34 +262,27 @@ TEST_F(TqTftpNetwork, AServerThatSendsAgainMakesUpForTheBlockingReceive) {
         test.mustComplete = true;
         test.server.resendAfter = 2;
         test.server.resends = 1000;
-        test.server.repeatAfter = 1;
         return test;
     });
 }
 
 TEST_F(TqTftpNetwork, DamagedHeadersNeverBecomeData) {
-    Run(200 / slowdown, [](unsigned int seed) {
+    Run(Scaled(200, 40), [](unsigned int seed) {
         Dice dice(seed);
-        Case test;
-        test.seed = seed;
-        test.file = SomeFile(dice);
+        Case test = SomeCase(seed, dice);
         test.troubles.loss = dice.UpTo(10);
         test.troubles.duplication = dice.UpTo(10);
         test.troubles.truncation = dice.UpTo(2);
         test.troubles.corruption = 1 + dice.UpTo(2);
         test.troubles.endAfter = 2000;
-        test.server.resendAfter = 0;
-        test.server.repeatAfter = 1;
         return test;
     });
 }
 
 TEST_F(TqTftpNetwork, DamageThatNobodyCanNoticeDoesNoHarmToTheClient) {
-    Run(200 / slowdown, [](unsigned int seed) {
+    Run(Scaled(200, 40), [](unsigned int seed) {
         Dice dice(seed);
-        Case test;
-        test.seed = seed;
-        test.file = SomeFile(dice);
+        Case test = SomeCase(seed, dice);
         test.troubles.loss = dice.UpTo(30);
         test.troubles.duplication = dice.UpTo(30);
         test.troubles.delay = dice.UpTo(30);
@@ -301,7 +292,6 @@ TEST_F(TqTftpNetwork, DamageThatNobodyCanNoticeDoesNoHarmToTheClient) {
         test.troubles.endAfter = 2000;
         test.mayDiffer = true;
         test.server.resendAfter = 5;
-        test.server.repeatAfter = 1;
         return test;
     });
 }

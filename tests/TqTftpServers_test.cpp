@@ -6,7 +6,7 @@
 
 #include "Files.h"
 #include "RealServer.h"
-#include "Slow.h"
+#include "Scale.h"
 #include "TftpHost.h"
 #include "TftpTest.h"
 
@@ -49,9 +49,7 @@ TEST_P(TqTftpServers, TheLargestFileComesByteForByte) {
 }
 
 TEST_P(TqTftpServers, AFileOfOneByteMoreDoesNot) {
-#ifdef TQ_SLOW
-    GTEST_SKIP() << "takes too long here; a scripted server does the same";
-#endif
+    if (runsSlowly) GTEST_SKIP() << "takes too long; a scripted server does the same";
     const RealServer server(GetParam(), directory.Path());
     const std::string file = RandomBytes(65535 * 512, 1);
     WriteFile(directory.Path("file"), file);

@@ -29,11 +29,15 @@ void MakePipe(int& reading, int& writing) {
     writing = ends[1];
 }
 
-void MakeTerminal(int& master, int& terminal) {
+bool MakeTerminal(int& master, int& terminal) {
     master = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    Check(master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0, "pseudo-terminal");
-    terminal = open(ptsname(master), O_RDWR | O_NOCTTY | O_CLOEXEC);
-    Check(terminal >= 0, "pseudo-terminal");
+    if (master < 0) return false;
+    terminal = -1;
+    if (grantpt(master) == 0 && unlockpt(master) == 0) {
+        terminal = open(ptsname(master), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    }
+    if (terminal < 0) close(master);
+    return terminal >= 0;
 }
 
 // Appends what there is to read. Whether there may be more.
@@ -51,7 +55,7 @@ Program::Program(const std::vector<std::string>& words, const Settings& settings
     int output = -1;
     int errors = -1;
     if (hasTerminal) {
-        MakeTerminal(outputs[0], output);
+        Check(MakeTerminal(outputs[0], output), "pseudo-terminal");
     } else {
         MakePipe(outputs[0], output);
     }
@@ -59,6 +63,15 @@ Program::Program(const std::vector<std::string>& words, const Settings& settings
     Start(words, settings, output, errors < 0 ? output : errors);
     close(output);
     if (errors >= 0) close(errors);
+}
+
+bool Program::MayHaveTerminal() {
+    int master;
+    int terminal;
+    if (!MakeTerminal(master, terminal)) return false;
+    close(terminal);
+    close(master);
+    return true;
 }
 
 Program::~Program() {

@@ -26,6 +26,9 @@ public:
         std::string errors;
     };
 
+    /// Whether there are pseudo-terminals here.
+    static bool MayHaveTerminal();
+
     /// Throws when it cannot be started.
     Program(const std::vector<std::string>& words, const Settings& settings);
     Program(const Program&) = delete;

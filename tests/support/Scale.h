@@ -3,20 +3,31 @@
 
 #include <cstdio>
 
-/// Whether the library runs many times slower here than where it is developed: with a sanitizer, or
-/// on a processor that is usually emulated.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || defined(__powerpc__) || \
-    defined(__mips__)
+// Clang says by __has_feature what gcc defines.
+#ifndef __has_feature
+#define __has_feature(feature) 0
+#endif
+
+/// Whether everything takes many times as long here as where it is developed: under an emulator or
+/// a sanitizer. Tests that are long anyway are smaller there, or left to other builds.
+#if defined(TQ_EMULATED) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || \
+    __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
 const bool runsSlowly = true;
 #else
 const bool runsSlowly = false;
 #endif
 
+/// Whether this is the device's processor. What proves the library there is worth the time.
+#ifdef __powerpc__
+const bool isDevice = true;
+#else
+const bool isDevice = false;
+#endif
+
 /// The size of a large test: `full`, or `reduced` where that would take too long, which is printed.
 inline unsigned int Scaled(unsigned int full, unsigned int reduced) {
     if (!runsSlowly) return full;
-    std::printf("[  REDUCED ] to %u, instead of %u, where the library runs slowly\n", reduced,
-                full);
+    std::printf("[  REDUCED ] to %u, instead of %u, where everything runs slowly\n", reduced, full);
     return reduced;
 }
 
