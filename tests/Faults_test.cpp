@@ -130,40 +130,30 @@ TEST(Faults, HandleOnAnObject) {
     });
 }
 
+const std::vector<Call> callsOfACopy = {
+    {"source Lock", "TqBaseRef"},      {"new Lock", "TqBaseRef"},   {"object Lock", "TqBaseObject"},
+    {"object Unlock", "TqBaseObject"}, {"new Unlock", "TqBaseRef"}, {"source Unlock", "TqBaseRef"}};
+
 TEST(Faults, CopyOfAHandle) {
-    ExpectEachFailureReported(
-        {{"source Lock", "TqBaseRef"},
-         {"new Lock", "TqBaseRef"},
-         {"object Lock", "TqBaseObject"},
-         {"object Unlock", "TqBaseObject"},
-         {"new Unlock", "TqBaseRef"},
-         {"source Unlock", "TqBaseRef"}},
-        [] {
-            const Handle source(new TqBaseObject);
-            std::unique_ptr<Handle> copy;
-            Failing({{&source.refMutex, "source"}, {&source.object->objectMutex, "object"}},
-                    [&] { copy.reset(new Handle(source)); });
-            EXPECT_EQ(copy->object, source.object);
-            EXPECT_EQ(source.object->refCount, 2);
-        });
+    ExpectEachFailureReported(callsOfACopy, [] {
+        const Handle source(new TqBaseObject);
+        std::unique_ptr<Handle> copy;
+        Failing({{&source.refMutex, "source"}, {&source.object->objectMutex, "object"}},
+                [&] { copy.reset(new Handle(source)); });
+        EXPECT_EQ(copy->object, source.object);
+        EXPECT_EQ(source.object->refCount, 2);
+    });
 }
 
 TEST(Faults, CloneOfAHandle) {
-    ExpectEachFailureReported(
-        {{"source Lock", "TqBaseRef"},
-         {"new Lock", "TqBaseRef"},
-         {"object Lock", "TqBaseObject"},
-         {"object Unlock", "TqBaseObject"},
-         {"new Unlock", "TqBaseRef"},
-         {"source Unlock", "TqBaseRef"}},
-        [] {
-            const Handle source(new TqBaseObject);
-            std::unique_ptr<TqDataType> clone;
-            Failing({{&source.refMutex, "source"}, {&source.object->objectMutex, "object"}},
-                    [&] { clone.reset(source.Clone()); });
-            EXPECT_TRUE(clone->Equals(&source));
-            EXPECT_EQ(source.object->refCount, 2);
-        });
+    ExpectEachFailureReported(callsOfACopy, [] {
+        const Handle source(new TqBaseObject);
+        std::unique_ptr<TqDataType> clone;
+        Failing({{&source.refMutex, "source"}, {&source.object->objectMutex, "object"}},
+                [&] { clone.reset(source.Clone()); });
+        EXPECT_TRUE(clone->Equals(&source));
+        EXPECT_EQ(source.object->refCount, 2);
+    });
 }
 
 TEST(Faults, DestructorOfAHandle) {

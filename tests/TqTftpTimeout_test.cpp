@@ -246,6 +246,17 @@ struct Reading {
 class RtcsTime : public testing::Test {
 protected:
     ~RtcsTime() override { systemCalls = SystemCalls(); }
+
+    static void ExpectRead(const Reading& reading) {
+        systemCalls.gettimeofday = [&reading] {
+            timeval time = timeval();
+            time.tv_sec = static_cast<time_t>(reading.seconds);
+            time.tv_usec = static_cast<suseconds_t>(reading.microseconds);
+            return time;
+        };
+        EXPECT_EQ(RTCS_time_get(), reading.milliseconds)
+            << reading.seconds << " s, " << reading.microseconds << " us";
+    }
 };
 
 TEST_F(RtcsTime, RoundsMoreThanHalfAMillisecondUp) {
@@ -255,15 +266,7 @@ TEST_F(RtcsTime, RoundsMoreThanHalfAMillisecondUp) {
         {0, 1501, 2},     {1, 0, 1000},      {12, 345500, 12345}, {12, 345501, 12346},
         {0, 999500, 999}, {0, 999501, 1000}, {7, 999999, 8000},
     };
-    for (const Reading& reading : readings) {
-        systemCalls.gettimeofday = [&reading] {
-            timeval time = timeval();
-            time.tv_sec = static_cast<time_t>(reading.seconds);
-            time.tv_usec = static_cast<suseconds_t>(reading.microseconds);
-            return time;
-        };
-        EXPECT_EQ(RTCS_time_get(), reading.milliseconds) << reading.microseconds;
-    }
+    for (const Reading& reading : readings) ExpectRead(reading);
 }
 
 TEST_F(RtcsTime, KeepsTheLow32Bits) {
@@ -273,15 +276,7 @@ TEST_F(RtcsTime, KeepsTheLow32Bits) {
         {4294967, 295501, 0},
         {1700000000, 123000, static_cast<unsigned int>(1700000000123ull & 0xFFFFFFFFull)},
     };
-    for (const Reading& reading : readings) {
-        systemCalls.gettimeofday = [&reading] {
-            timeval time = timeval();
-            time.tv_sec = static_cast<time_t>(reading.seconds);
-            time.tv_usec = static_cast<suseconds_t>(reading.microseconds);
-            return time;
-        };
-        EXPECT_EQ(RTCS_time_get(), reading.milliseconds) << reading.seconds;
-    }
+    for (const Reading& reading : readings) ExpectRead(reading);
 }
 
 TEST_F(RtcsTime, IsTheWallClock) {
