@@ -36,6 +36,11 @@ done
 "$CMAKE" --build "$room/build" >"$room/log" 2>&1 || fail "$(cat "$room/log")"
 expect_42 "$@" "$room/build/stranger"
 
+if [ -d "$build/tools" ]; then
+    "$@" "$prefix/bin/tqfetch" --help | grep -q '^usage: tqfetch ' || fail "tqfetch does not run"
+    [ -e "$prefix/share/man/man1/tqfetch.1" ] || fail "tqfetch has no manual page"
+fi
+
 if ! command -v pkg-config >/dev/null; then
     echo "Skipped: pkg-config is not installed"
     exit 77
