@@ -1,4 +1,8 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <mutex>
 
@@ -29,6 +33,23 @@ class ReportCollector : public testing::EmptyTestEventListener {
     }
 };
 
+// What a user's shell gives. Whoever runs the tests in the background, as a service or without a
+// terminal may have left other things behind, and the programs that tests start inherit them.
+void StartAsFromAShell() {
+    for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGALRM, SIGTERM}) {
+        signal(number, SIG_DFL);
+    }
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    umask(022);
+    int descriptor;
+    do {
+        descriptor = open("/dev/null", O_RDWR);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    close(descriptor);
+}
+
 }  // namespace
 
 Reports TakeReports() {
@@ -46,6 +67,7 @@ extern "C" const char* __tsan_default_options() {
 }
 
 int main(int argc, char** argv) {
+    StartAsFromAShell();
     testing::InitGoogleTest(&argc, argv);
     testing::UnitTest::GetInstance()->listeners().Append(new ReportCollector);
     return RUN_ALL_TESTS();
