@@ -457,14 +457,17 @@ TEST_F(Tqfetch, ClosedStandardDescriptorsDoNotMixWithTheFile) {
     };
     EXPECT_EQ(RunProgram(Built(TQFETCH, {HostName(2), "motd"}), settings).status, 0);
     EXPECT_EQ(ReadFile(directory.Path("motd")), "hello");
-    // Here there is something to say.
-    const std::string output = directory.Path("output");
-    WriteFile(output, "");
-    EXPECT_EQ(
-        RunProgram(Built(TQFETCH, {"-t", "1", "-o", "output", HostName(1), "f"}), settings).status,
-        4);
-    EXPECT_EQ(ReadFile(output), "");
     EXPECT_EQ(RunProgram(Built(TQFETCH, {"-o", "-", HostName(2), "motd"}), settings).status, 1);
+
+    // Here there is something to say, and what has been written stays.
+    ASSERT_EQ(mkfifo(directory.Path("pipe").c_str(), 0600), 0);
+    const int pipe = open(directory.Path("pipe").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    settings.prepare = [] { close(STDERR_FILENO); };
+    const std::vector<std::string> words = {"-t", "1", "-o", "pipe", HostName(1), "f"};
+    EXPECT_EQ(RunProgram(Built(TQFETCH, words), settings).status, 4);
+    char bytes[1024];
+    EXPECT_EQ(read(pipe, bytes, sizeof bytes), 512);
+    close(pipe);
 }
 
 // Silence and loss.
@@ -517,6 +520,18 @@ TEST_F(Tqfetch, EveryNewBlockRenewsThePatience) {
 
 // The signal that gets the receive moving must work even where the parent had it blocked or
 // ignored.
+TEST_F(Tqfetch, ASlowReaderOfTheFileIsNoSilence) {
+    const std::string file = RandomBytes(300000, 7);
+    WriteFile(served.Path("motd"), file);
+    const Child server = Serve();
+    Program program(Built(TQFETCH, {"-t", "1", "-o", "-", HostName(), "motd"}), InDirectory());
+    // The pipe takes less than the file: the tool waits for it to be read.
+    usleep(2000000);
+    const Program::Result result = program.Finish();
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_TRUE(result.output == file);
+}
+
 TEST_F(Tqfetch, ABlockedAndIgnoredAlarmOfTheParentDoesNoHarm) {
     const Child server = Answer([](const UdpSocket&, const Endpoint&, const Octets&) {});
     Program::Settings settings = InDirectory();
@@ -621,6 +636,10 @@ TEST_F(TqfetchTerminal, ShowsNothingWhenAskedForQuietOrPiped) {
     EXPECT_EQ(RunProgram(Built(TQFETCH, {"--quiet", HostName(), "motd"}), terminal).output, "");
     EXPECT_EQ(RunProgram(Built(TQFETCH, {"-o", "-", HostName(), "motd"}), terminal).output,
               "hello");
+    // Either output may be piped.
+    Program::Settings piped = OnTerminal();
+    piped.prepare = [] { dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDOUT_FILENO); };
+    EXPECT_EQ(RunProgram(Built(TQFETCH, {HostName(), "motd"}), piped).output, "");
     terminal.hasErrorPipe = true;
     const Program::Result result = RunProgram(Built(TQFETCH, {HostName(), "motd"}), terminal);
     EXPECT_EQ(result.output, "");
@@ -634,6 +653,15 @@ TEST_F(TqfetchTerminal, AFailureStartsOnALineOfItsOwn) {
     const Program::Result result = RunProgram(Built(TQFETCH, {HostName(), "motd"}), OnTerminal());
     EXPECT_EQ(result.status, 17);
     EXPECT_TRUE(Contains(result.output, "\r\ntqfetch: " + HostName() + ": motd: "))
+        << result.output;
+}
+
+TEST_F(TqfetchTerminal, SilenceIsToldOnALineOfItsOwn) {
+    const Child server = AnswerWithBlocks(1);
+    const std::vector<std::string> words = {"-t", "1", HostName(), "motd"};
+    const Program::Result result = RunProgram(Built(TQFETCH, words), OnTerminal());
+    EXPECT_EQ(result.status, 4);
+    EXPECT_TRUE(Contains(result.output, "\r\ntqfetch: " + HostName() + ": motd: no new block"))
         << result.output;
 }
 
@@ -711,6 +739,7 @@ TEST_F(Tqfetch, AWrongCommandLineIsToldToStandardError) {
         {"server", "folder/"},
         {"server", ""},
         {"server", ".."},
+        {"server", "folder/-"},
     };
     for (const std::vector<std::string>& words : wrong) {
         const Program::Result result = Fetch(words);
