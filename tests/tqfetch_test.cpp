@@ -80,17 +80,25 @@ TEST(TqfetchOutcome, EveryResultCodeHasASentenceAndAStatusOfItsOwn) {
     EXPECT_EQ(OutcomeOf(0x810 + 0xFFFF).sentence, "the server reports error 65535");
 }
 
-// Takes /proc away, through which files without a name get one. False where that is not allowed.
-bool HideProc() {
+// Mounts are this process's own from here on. False where that is not allowed.
+bool EnterOwnMounts() {
     return unshare(CLONE_NEWNS) == 0 &&
-           mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-           mount("none", "/proc", "tmpfs", 0, nullptr) == 0;
+           mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
+// Takes /proc away, through which files without a name get one.
+bool HideProc() {
+    return EnterOwnMounts() && mount("none", "/proc", "tmpfs", 0, nullptr) == 0;
+}
+
+bool Works(bool (*function)()) {
+    Child child([function] { _exit(function() ? 0 : 1); });
+    int status = 1;
+    return child.Wait(60000, status) && status == 0;
 }
 
 bool MayHideProc() {
-    Child child([] { _exit(HideProc() ? 0 : 1); });
-    int status = 1;
-    return child.Wait(60000, status) && status == 0;
+    return Works(HideProc);
 }
 
 class TqfetchTarget : public testing::Test {
@@ -332,9 +340,9 @@ TEST_F(Tqfetch, ADeviceIsWrittenToAndNotReplaced) {
 }
 
 TEST_F(Tqfetch, ATargetThatCannotBeIsALocalFailure) {
-    const Child server = Serve();
+    // Nobody serves: the target is opened before the server is asked.
     for (const char* target : {"no/such/folder", ".", "/proc/file"}) {
-        const Program::Result result = Fetch({"-o", target, HostName(), "motd"});
+        const Program::Result result = Fetch({"-t", "1", "-o", target, HostName(), "motd"});
         EXPECT_EQ(result.status, 1);
         EXPECT_TRUE(Contains(result.errors, "tqfetch: ")) << result.errors;
         EXPECT_TRUE(Contains(result.errors, target)) << result.errors;
@@ -445,6 +453,29 @@ TEST_F(Tqfetch, AnUnknownNameHasItsStatus) {
     EXPECT_EQ(result.status, 3);
     EXPECT_TRUE(Contains(result.errors, "tqfetch: no-such-host.invalid: motd: ")) << result.errors;
     EXPECT_EQ(directory.Names(), Names());
+}
+
+TEST_F(Tqfetch, AnAddressOfAnotherProtocolIsNoName) {
+    EXPECT_EQ(Fetch({"-t", "1", "::1", "motd"}).status, 3);
+}
+
+TEST_F(Tqfetch, ASilentNameServiceIsGivenUp) {
+    if (!HasOwnNetwork()) GTEST_SKIP() << "nobody outside is to be asked";
+    if (!Works(EnterOwnMounts)) GTEST_SKIP() << "no mount namespace of its own";
+    const UdpSocket silent({INADDR_LOOPBACK, 53});
+    const std::string configuration = served.Path("resolv.conf");
+    WriteFile(configuration, "nameserver 127.0.0.1\noptions timeout:20\n");
+    Program::Settings settings = InDirectory();
+    settings.prepare = [&configuration] {
+        const bool isMounted = EnterOwnMounts() && mount(configuration.c_str(), "/etc/resolv.conf",
+                                                         nullptr, MS_BIND, nullptr) == 0;
+        if (!isMounted) _exit(125);
+    };
+    const std::vector<std::string> words = {"-t", "1", "no-such-host.invalid", "motd"};
+    const Program::Result result = RunProgram(Built(TQFETCH, words), settings);
+    if (result.status == 125) GTEST_SKIP() << "no /etc/resolv.conf to cover";
+    EXPECT_EQ(result.status, 3);
+    EXPECT_TRUE(Contains(result.errors, "no answer from the name service")) << result.errors;
 }
 
 TEST_F(Tqfetch, ClosedStandardDescriptorsDoNotMixWithTheFile) {
@@ -786,13 +817,13 @@ TEST_F(Tqfetch, TheModeIsTheOneAskedForAndOctetWithoutASking) {
 }
 
 TEST_F(Tqfetch, OnlyTextIsConverted) {
-    const std::string text = "line\r\nline\r\n";
+    const std::string text = "line\r\nline\r\n\r";
     const Child server =
         Answer([&text](const UdpSocket& socket, const Endpoint& client, const Octets& datagram) {
             if (datagram[1] == 1) socket.Send(client, Data(1, text));
         });
     EXPECT_EQ(Fetch({"-o", "-", HostName(), "f"}).output, text);
-    EXPECT_EQ(Fetch({"-o", "-", "-m", "netascii", HostName(), "f"}).output, "line\nline\n");
+    EXPECT_EQ(Fetch({"-o", "-", "-m", "netascii", HostName(), "f"}).output, "line\nline\n\r");
 }
 
 class TqfetchServers : public Tqfetch, public testing::WithParamInterface<RealServer::Program> {
