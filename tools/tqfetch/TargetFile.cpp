@@ -16,12 +16,8 @@ namespace {
 // The name that a signal handler removes; null when there is nothing to remove.
 std::atomic<const char*> removable(nullptr);
 
-[[noreturn]] void Throw(int error, const std::string& path) {
-    throw std::system_error(error, std::generic_category(), path);
-}
-
 [[noreturn]] void Throw(const std::string& path) {
-    Throw(errno, path);
+    throw std::system_error(errno, std::generic_category(), path);
 }
 
 // Keeps signals away between the making of a file and the note that it must go.
@@ -72,7 +68,6 @@ TargetFile::TargetFile(const std::string& path, int standardOutput) : descriptor
     }
     struct stat status;
     const bool exists = stat(path.c_str(), &status) == 0;
-    if (exists && S_ISDIR(status.st_mode)) Throw(EISDIR, path);
     if (exists && !S_ISREG(status.st_mode)) {
         descriptor = open(path.c_str(), O_WRONLY | O_CLOEXEC);
         if (descriptor < 0) Throw(path);
