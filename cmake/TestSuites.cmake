@@ -3,11 +3,11 @@
 # sanitizers. Takes COMMAND, which runs the program, and TIMEOUT, in seconds.
 execute_process(COMMAND ${COMMAND} --gtest_list_tests
     OUTPUT_VARIABLE listing RESULT_VARIABLE result)
-if(NOT result EQUAL 0)
-    message(FATAL_ERROR "${COMMAND} does not list its tests: ${result}")
-endif()
 # Suites stand at the beginning of a line and end with a point, tests are indented.
 string(REGEX MATCHALL "\n[A-Za-z0-9_/]+\\." suites "\n${listing}")
+if(NOT result EQUAL 0 OR NOT suites)
+    message(FATAL_ERROR "${COMMAND} does not list its tests: ${result}")
+endif()
 foreach(suite IN LISTS suites)
     string(REGEX REPLACE "[\n.]" "" suite "${suite}")
     add_test("${suite}" ${COMMAND} "--gtest_filter=${suite}.*")

@@ -64,6 +64,16 @@ TFTP_OPEN_STRUCT RequestOf(const char* name, const char* mode) {
     return {htonl(Host(1)), name, mode};
 }
 
+// Opens a transfer from this server. Returns the client's address.
+Endpoint OpenedFor(const UdpSocket& server) {
+    TFTP_OPEN_STRUCT request = RequestOf("f", "octet");
+    EXPECT_EQ(TFTP_open(&request), 0u);
+    Octets datagram;
+    Endpoint client;
+    EXPECT_TRUE(server.Receive(datagram, client, 20000));
+    return client;
+}
+
 bool IsOpen(int descriptor) {
     return fcntl(descriptor, F_GETFD) != -1;
 }
@@ -384,11 +394,7 @@ TEST_F(TqTftp, TheTransferPortMayBe69) {
 
 TEST_F(TqTftp, TheDataLieInTheClientAndNotAtTheHeader) {
     const UdpSocket server(RequestPort());
-    TFTP_OPEN_STRUCT request = RequestOf("f", "octet");
-    ASSERT_EQ(TFTP_open(&request), 0u);
-    Octets datagram;
-    Endpoint client;
-    ASSERT_TRUE(server.Receive(datagram, client, 20000));
+    const Endpoint client = OpenedFor(server);
     server.Send(client, Data(1, Block(1)));
     server.Send(client, Data(2, "x"));
     unsigned int length = 0;
@@ -645,11 +651,7 @@ TEST_F(TqTftp, ATimeoutOfSelectIsPrintedAndTheReceiveBlocksAllTheSame) {
 
 TEST_F(TqTftp, TheReceiveReallyBlocks) {
     const UdpSocket server(RequestPort());
-    TFTP_OPEN_STRUCT request = RequestOf("f", "octet");
-    ASSERT_EQ(TFTP_open(&request), 0u);
-    Octets datagram;
-    Endpoint client;
-    ASSERT_TRUE(server.Receive(datagram, client, 20000));
+    const Endpoint client = OpenedFor(server);
     const Child late([&] {
         usleep(300000);
         server.Send(client, Data(1, "late"));
@@ -739,11 +741,8 @@ TEST_F(TqTftp, TheCallersTimeBetweenReadsIsNoPartOfTheWait) {
         return time;
     };
     const UdpSocket server(RequestPort());
-    TFTP_OPEN_STRUCT request = RequestOf("f", "octet");
-    ASSERT_EQ(TFTP_open(&request), 0u);
+    Endpoint client = OpenedFor(server);
     Octets datagram;
-    Endpoint client;
-    ASSERT_TRUE(server.Receive(datagram, client, 20000));
     for (unsigned int block = 1; block <= 3; ++block) {
         pause += 10;
         server.Send(client, Data(block, Block(block)));
