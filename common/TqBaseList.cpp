@@ -12,8 +12,14 @@ const char sourceName[] = "TqBaseList";
 // memory is scarce.
 const unsigned int growthStep = 16;
 
+// One entry more than `capacity` says: `SwapItems` reaches the entry behind the items, and a full
+// array has none of its own.
+std::size_t SizeOfSlots(unsigned int capacity) {
+    return (std::size_t(capacity) + 1) * sizeof(void*);
+}
+
 void** NewSlots(unsigned int capacity) {
-    return static_cast<void**>(std::malloc(capacity * sizeof(void*)));
+    return static_cast<void**>(std::malloc(SizeOfSlots(capacity)));
 }
 
 void** CopyOfSlots(const TqBaseList& list) {
@@ -24,7 +30,7 @@ void** CopyOfSlots(const TqBaseList& list) {
 
 void Resize(TqBaseList& list, unsigned int capacity) {
     list.capacity = capacity;
-    list.slots = static_cast<void**>(std::realloc(list.slots, capacity * sizeof(void*)));
+    list.slots = static_cast<void**>(std::realloc(list.slots, SizeOfSlots(capacity)));
 }
 
 bool IsSlot(const TqBaseList& list, unsigned int index) {

@@ -42,7 +42,8 @@ public:
     unsigned int FindSlot(void* item) const;
 
     /// Exchanges two slots. An index of 0 or above `count` is reported, once for each, and the
-    /// exchange is done all the same.
+    /// exchange is done all the same: with entry 0, or with the entry just behind the items, which
+    /// is always there.
     virtual void SwapItems(unsigned int a, unsigned int b);
 
     /// Makes the list empty and keeps the array.
@@ -66,6 +67,12 @@ public:
 
     /// Tells the growth step. The lists do not read it: setting it changes nothing.
     static unsigned int allocInc;
+
+protected:
+    /// A list without an array, its base object copied from `other`: for a derived list that copies
+    /// the items later, under a lock of its own.
+    explicit TqBaseList(const TqBaseObject& other)
+        : TqBaseObject(other), capacity(0), count(0), slots(nullptr), walkDepth(0) {}
 };
 
 #endif

@@ -18,8 +18,12 @@
 /// Lock: `refMutex` guards `object` and `objectSeqNum` against the handle's own changes; the
 /// object's mutex is taken inside it. Reading `object` is not locked.
 /// Reports: source "TqBaseRef", except in `Equals`. After a failed lock or check the operation goes
-/// on. A handle that is changed by the destructor of the very object it is letting go meets its own
-/// mutex, which is reported.
+/// on.
+///
+/// Destructors: an object that is let go is deleted with `refMutex` held. A destructor that changes
+/// the very handle meets that mutex, which is reported. It must not have the dying object itself
+/// held and let go again, which deletes it once more. And two handles on two threads whose objects
+/// each copy the other handle in their destructors wait for each other without an end.
 class TQ_API TqBaseRef : public TqDataType {
 public:
     /// Takes `obj`, which may be null.

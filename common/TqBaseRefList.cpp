@@ -26,30 +26,59 @@ TQ_LOOKS_AT_THE_DEAD TqBaseObject* CheckedItem(const TqBaseRefList& list, unsign
     return item;
 }
 
+// Before the lock is taken, so the count may be one that another thread is about to change.
+TQ_READS_UNLOCKED void ReportUnlessSlots(const TqBaseRefList& list, unsigned int a,
+                                         unsigned int b) {
+    TQ_REPORT_IF(a == 0 || a > list.count);
+    TQ_REPORT_IF(b == 0 || b > list.count);
+}
+
 void TakeReference(TqBaseObject* item) {
     if (item != nullptr) TqBaseObject::IncrementRefCount(item, item->seqNum);
 }
 
 void DropReference(TqBaseObject* item) {
-    if (item != nullptr) TqBaseObject::DecrementRefCount(item, item->seqNum);
+    TqBaseObject::DecrementRefCount(item, item->seqNum);
+}
+
+// Where `item` stands now: at `index`, unless its own destructor changed the list. `noSlot` when it
+// stands nowhere any more.
+const unsigned int noSlot = 0xFFFFFFFFu;
+
+unsigned int PlaceOf(const TqBaseRefList& list, const TqBaseObject* item, unsigned int index) {
+    if (list.slots == nullptr) return noSlot;
+    if (index <= list.count && list.slots[index] == item) return index;
+    for (unsigned int i = 1; i <= list.count; ++i) {
+        if (list.slots[i] == item) return i;
+    }
+    return noSlot;
 }
 
 void TakeReferences(const TqBaseRefList& list) {
     for (unsigned int i = 1; i <= list.count; ++i) TakeReference(CheckedItem(list, i));
 }
 
-// The count is read anew before each step: a destructor may change the list.
+// The count is read anew before each step: a destructor may change the list. A slot is emptied once
+// its reference is dropped, so that what such a destructor does cannot drop it again.
 void DropReferences(const TqBaseRefList& list) {
-    for (unsigned int i = 1; i <= list.count; ++i) DropReference(CheckedItem(list, i));
+    for (unsigned int i = 1; i <= list.count; ++i) {
+        TqBaseObject* item = CheckedItem(list, i);
+        if (item == nullptr) continue;
+        DropReference(item);
+        const unsigned int place = PlaceOf(list, item, i);
+        if (place != noSlot) list.slots[place] = nullptr;
+    }
 }
 
 }  // namespace
 
 TqBaseRefList::TqBaseRefList() {}
 
-TqBaseRefList::TqBaseRefList(const TqBaseRefList& other) : TqBaseList(other) {
+TqBaseRefList::TqBaseRefList(const TqBaseRefList& other)
+    : TqBaseList(static_cast<const TqBaseObject&>(other)) {
     Lock(*this);
     Lock(other);
+    TqBaseList::operator=(other);
     TakeReferences(*this);
     Unlock(other);
     Unlock(*this);
@@ -59,8 +88,11 @@ TqBaseRefList& TqBaseRefList::operator=(const TqBaseRefList& other) {
     Lock(*this);
     Lock(other);
     TakeReferences(other);
+    // The destructor of an item let go may change `other`; what this list takes is what it counted.
+    TqBaseList counted;
+    counted = other;
     DropReferences(*this);
-    TqBaseList::operator=(other);
+    TqBaseList::operator=(counted);
     Unlock(*this);
     Unlock(other);
     return *this;
@@ -73,8 +105,7 @@ TqBaseRefList::~TqBaseRefList() {
 }
 
 void TqBaseRefList::SwapItems(unsigned int a, unsigned int b) {
-    TQ_REPORT_IF(a == 0 || a > count);
-    TQ_REPORT_IF(b == 0 || b > count);
+    ReportUnlessSlots(*this, a, b);
     Lock(*this);
     TqBaseList::SwapItems(a, b);
     Unlock(*this);
@@ -92,8 +123,8 @@ void TqBaseRefList::RemoveSlot(unsigned int index) {
     TqBaseObject* item = CheckedItem(*this, index);
     if (item != nullptr) {
         DropReference(item);
-        // The item's destructor may have emptied the list down to here itself.
-        if (index <= count) TqBaseList::RemoveSlot(index);
+        const unsigned int place = PlaceOf(*this, item, index);
+        if (place != noSlot) TqBaseList::RemoveSlot(place);
     }
     Unlock(*this);
 }
@@ -115,9 +146,10 @@ void TqBaseRefList::ReplaceSlot(unsigned int index, void* item) {
         // on it; a true replacement is a removal and an insertion.
         if (item != old) {
             DropReference(old);
-            DropReference(static_cast<TqBaseObject*>(item));
+            if (item != nullptr) DropReference(static_cast<TqBaseObject*>(item));
         }
-        TqBaseList::InsertSlot(index, item);
+        // The destructors may have left the list too short for `index`.
+        TqBaseList::InsertSlot(index <= count ? index : count + 1, item);
     }
     Unlock(*this);
 }

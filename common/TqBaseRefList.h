@@ -10,13 +10,24 @@
 /// Ownership: a reference for each slot; letting the last one go deletes the object.
 /// Lock: `listMutex` is held by each operation declared here while slots and counts change; the
 /// mutexes of the objects are taken inside it. Two lists are locked this one first, then the other:
-/// two threads must not assign two lists to each other crosswise. `FindSlot` and reading `slots`
-/// are not locked.
+/// two threads must not assign two lists to each other crosswise, nor three assign three in a ring;
+/// they would wait for each other without an end. `FindSlot`, reading `slots` and the checks that
+/// `SwapItems` makes are not locked.
 /// Reports: source "TqBaseRefList". A failing lock or unlock is reported and the operation goes on.
 /// A slot that holds nothing (index above `count`, or null as entry 0) is reported, and the
 /// operation leaves it alone; an item that is dead or foreign is reported and counted all the same.
-/// A list that is changed by the destructor of an object it is letting go meets its own mutex,
-/// which is reported.
+///
+/// Destructors: an object that is let go is deleted inside the operation, with `listMutex` held. Its
+/// destructor may change this list, or the one being assigned from; the mutex it meets is reported,
+/// and no reference is dropped twice:
+///
+/// - what it appends while all items are let go is let go too; what it inserts further in front
+///   stays alive, with a reference that nobody drops;
+/// - a slot that has been let go already is empty, which is reported where something meets it;
+/// - an assignment takes the items that the other list had when it began.
+///
+/// It must not destroy the list, nor the other one of an assignment, and must not have the dying
+/// object itself held and let go again (by a copy of the list, say): that deletes it once more.
 class TQ_API TqBaseRefList : public TqBaseList {
 public:
     TqBaseRefList();

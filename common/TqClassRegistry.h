@@ -16,7 +16,15 @@
 /// Ownership: `classList` keeps a reference on each descriptor. The registry itself lives until the
 /// process ends.
 /// Lock: none for `GetRegistry` (call it first on one thread), for the lookups and for `Dump`;
-/// inserting and removing take the list's mutex. Register all classes at start-up.
+/// inserting and removing take the list's mutex, which the lookups do not. A lookup also writes:
+/// `IsA(name)` and each function here that takes a name raises `walkDepth` of the list and lowers it
+/// again, a plain number. What that means for threads:
+///
+/// - Register every class before the threads start, and remove none while they run. Or put lookups,
+///   registrations and removals under one lock of the application's own.
+/// - Lookups that overlap without such a lock find what they should as long as nobody registers or
+///   removes; but `walkDepth` may come out wrong, and a list that goes or is assigned to with one
+///   that is not 0 reports. A registry that lives as long as its process never does.
 /// Reports: source "TqClassRegistry". A null name is not checked anywhere.
 ///
 /// Names are compared whole and case-sensitively. The first match in slot order counts.

@@ -43,6 +43,10 @@ __attribute__((no_sanitize("vptr"))) inline Field TqFieldTakenAs(const TqDataTyp
 /// not ask that first.
 #define TQ_LOOKS_AT_THE_DEAD __attribute__((no_sanitize("vptr")))
 
+/// Marks what reads a shared field before it takes the lock, as the order of its checks demands: the
+/// thread sanitizer must not take the read for a mistake.
+#define TQ_READS_UNLOCKED __attribute__((no_sanitize("thread")))
+
 /// a - b, wrapping around at 32 bits.
 inline int TqWrappedDifference(int a, int b) {
     return static_cast<int>(static_cast<unsigned int>(a) - static_cast<unsigned int>(b));

@@ -148,6 +148,53 @@ TEST(Threads, FillAndClearOneReferenceList) {
     EXPECT_EQ(deaths, 8 * 500);
 }
 
+// The array grows at 16, 32 and 48 entries, so copies are taken on both sides of each step.
+TEST(Threads, CopyAndAssignAReferenceListThatAnotherThreadChanges) {
+    std::atomic<int> deaths(0);
+    std::atomic<unsigned int> copying(threadCount - 1);
+    const Handle shared(new Shared(deaths));
+    TqRefList<Shared> changing;
+    OnEightThreads([&](unsigned int thread) {
+        if (thread == 0) {
+            while (copying != 0) {
+                while (changing.count < 60) changing.InsertSlot(1, shared.object);
+                while (changing.count > 0) changing.RemoveSlot(1);
+            }
+            return;
+        }
+        TqRefList<Shared> mine;
+        for (int i = 0; i < 1000; ++i) {
+            const TqRefList<Shared> copy(changing);
+            EXPECT_EQ(ItemsOf(copy), Items(copy.count, shared.object));
+            mine = changing;
+            EXPECT_EQ(ItemsOf(mine), Items(mine.count, shared.object));
+        }
+        --copying;
+    });
+    EXPECT_EQ(shared.object->refCount, 1);
+    EXPECT_EQ(deaths, 0);
+}
+
+// Swapping looks at the count before it takes the lock.
+TEST(Threads, SwapSlotsOfAReferenceListThatOtherThreadsChange) {
+    std::atomic<int> deaths(0);
+    TqRefList<Shared> list;
+    for (unsigned int i = 1; i <= 4; ++i) list.InsertSlot(i, new Shared(deaths));
+    OnEightThreads([&](unsigned int thread) {
+        for (int i = 0; i < 500; ++i) {
+            if (thread % 2 == 0) {
+                list.SwapItems(1, 3);
+            } else {
+                list.InsertSlot(1, new Shared(deaths));
+                list.RemoveSlot(1);
+            }
+        }
+    });
+    EXPECT_EQ(list.count, 4u);
+    list.RemoveAllItems();
+    EXPECT_EQ(deaths, 4 + 4 * 500);
+}
+
 TEST(Threads, HoldTheItemsOfAListThatIsCleared) {
     std::atomic<int> deaths(0);
     TqRefList<Shared> list;

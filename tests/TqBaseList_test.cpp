@@ -290,6 +290,41 @@ TEST_F(TqBaseListOfThree, SwappingWithTheEntryPastTheItemsIsReportedAndDone) {
     EXPECT_EQ(list.slots[4], q);
 }
 
+// A full array: entry 0 and the items take all that `capacity` says.
+TEST(TqBaseList, SwappingWithTheEntryPastTheItemsIsDoneInAFullArray) {
+    int item = 0, past = 0;
+    for (unsigned int count : {15u, 31u, 47u}) {
+        SCOPED_TRACE(count);
+        TqBaseList list;
+        while (list.count < count) list.InsertSlot(list.count + 1, &item);
+        ASSERT_EQ(list.capacity, count + 1);
+        list.slots[count + 1] = &past;
+        list.SwapItems(1, count + 1);
+        EXPECT_EQ(TakeReports(), Reports({"TqBaseList"}));
+        EXPECT_EQ(list.slots[1], &past);
+        EXPECT_EQ(list.slots[count + 1], &item);
+        EXPECT_EQ(list.capacity, count + 1);
+        EXPECT_EQ(list.count, count);
+    }
+}
+
+TEST(TqBaseList, TheEntryPastTheItemsIsThereInACopyAndAfterPreAlloc) {
+    int item = 0, past = 0;
+    TqBaseList list;
+    list.PreAlloc(20);
+    while (list.count < 19) list.InsertSlot(list.count + 1, &item);
+    TqBaseList copy(list), assigned;
+    assigned = list;
+    for (TqBaseList* each : {&list, &copy, &assigned}) {
+        ASSERT_EQ(each->capacity, 20u);
+        each->slots[20] = &past;
+        each->SwapItems(20, 2);
+        EXPECT_EQ(TakeReports(), Reports({"TqBaseList"}));
+        EXPECT_EQ(each->slots[2], &past);
+        EXPECT_EQ(each->slots[20], &item);
+    }
+}
+
 TEST_F(TqBaseListOfThree, SwappingWithEntryZeroIsReportedAndDone) {
     list.SwapItems(0, 1);
     EXPECT_EQ(TakeReports(), Reports({"TqBaseList"}));

@@ -879,6 +879,104 @@ TEST_F(TqBaseRefListReentered, InsertingWhileASlotIsReplaced) {
     Drop(other);
 }
 
+TEST_F(TqBaseRefListReentered, InsertingInFrontWhileASlotIsRemovedRemovesTheDeadItemAllTheSame) {
+    AppendMortal([this] { list->InsertSlot(1, other); });
+    AppendOther();
+    list->RemoveSlot(1);
+    EXPECT_EQ(TakeReports(), twoOfTheList);
+    EXPECT_EQ(ItemsOf(*list), Items({other, other}));
+    EXPECT_EQ(other->refCount, 3);
+    list.reset();
+}
+
+TEST_F(TqBaseRefListReentered, RemovingTheSameSlotLeavesTheNextOneAlone) {
+    AppendMortal([this] { list->RemoveSlot(1); });
+    AppendOther();
+    list->RemoveSlot(1);
+    EXPECT_EQ(TakeReports(), twoOfTheListAndTheObject);
+    EXPECT_EQ(ItemsOf(*list), Items({other}));
+    list.reset();
+}
+
+TEST_F(TqBaseRefListReentered, InsertingInFrontWhileAllAreRemovedLetsNothingGoTwice) {
+    AppendMortal([this] { list->InsertSlot(1, other); });
+    AppendMortal(nullptr);
+    list->RemoveAllItems();
+    // The mutex twice, and the slot of the first item, which the walk meets again and finds empty.
+    EXPECT_EQ(TakeReports(), Reports(3, "TqBaseRefList"));
+    EXPECT_EQ(deaths, 2);
+    EXPECT_EQ(list->count, 0u);
+    EXPECT_EQ(other->refCount, 2) << "inserted behind the walk's back and so left alive";
+    Drop(other);
+}
+
+TEST_F(TqBaseRefListReentered, RemovingAllWhileAllAreRemovedDropsEachReferenceOnce) {
+    AppendOther();
+    AppendMortal([this] { list->RemoveAllItems(); });
+    list->RemoveAllItems();
+    // Beside the four: the nested walk finds the slot of `other` empty.
+    EXPECT_EQ(TakeReports(), Reports({"TqBaseRefList", "TqBaseRefList", "TqBaseObject",
+                                      "TqBaseObject", "TqBaseRefList"}));
+    EXPECT_EQ(other->refCount, 1);
+    EXPECT_EQ(deaths, 1);
+}
+
+TEST_F(TqBaseRefListReentered, RemovingAnEarlierSlotWhileAllAreRemovedTouchesNoDeadItem) {
+    AppendMortal(nullptr);
+    AppendMortal([this] { list->RemoveSlot(1); });
+    AppendOther();
+    list->RemoveAllItems();
+    // The mutex, the slot of the first item, which is empty, and the mutex.
+    EXPECT_EQ(TakeReports(), Reports(3, "TqBaseRefList"));
+    EXPECT_EQ(deaths, 2);
+    EXPECT_EQ(list->count, 0u);
+    EXPECT_EQ(other->refCount, 1);
+}
+
+TEST_F(TqBaseRefListReentered, RemovingAnEarlierSlotWhileTheListGoesTouchesNoDeadItem) {
+    TqBaseRefList& dying = *list;
+    AppendMortal(nullptr);
+    AppendMortal([&] { dying.RemoveSlot(1); });
+    list.reset();
+    EXPECT_EQ(TakeReports(), Reports(3, "TqBaseRefList"));
+    EXPECT_EQ(deaths, 2);
+}
+
+TEST_F(TqBaseRefListReentered, InsertingIntoTheAssignedListLeavesTheItemToThatList) {
+    TqBaseRefList source;
+    AppendMortal([&] { source.InsertSlot(1, other); });
+    *list = source;
+    EXPECT_EQ(TakeReports(), twoOfTheList);
+    EXPECT_EQ(list->count, 0u) << "as the other list was when its items were counted";
+    EXPECT_EQ(ItemsOf(source), Items({other}));
+    EXPECT_EQ(other->refCount, 2);
+}
+
+TEST_F(TqBaseRefListReentered, EmptyingTheAssignedListLeavesItsItemsToTheOther) {
+    TqBaseRefList source;
+    source.InsertSlot(1, other);
+    AppendMortal([&] { source.RemoveAllItems(); });
+    *list = source;
+    EXPECT_EQ(TakeReports(), twoOfTheList);
+    EXPECT_EQ(ItemsOf(*list), Items({other}));
+    EXPECT_EQ(source.count, 0u);
+    EXPECT_EQ(other->refCount, 2);
+    list.reset();
+}
+
+TEST_F(TqBaseRefListReentered, EmptyingTheListWhileASlotIsReplacedPutsTheNewItemAtItsEnd) {
+    AppendOther();
+    AppendOther();
+    AppendMortal([this] { list->RemoveAllItems(); });
+    Keep(other);
+    Keep(other);
+    list->ReplaceSlot(3, other);
+    EXPECT_EQ(TakeReports(), twoOfTheListAndTheObject);
+    EXPECT_EQ(ItemsOf(*list), Items({other}));
+    EXPECT_EQ(other->refCount, 2);
+    list.reset();
+}
+
 TEST(TqRefList, IsTheReferenceListOfAType) {
     int deaths = 0;
     TqRefList<Mortal> list;
