@@ -2,14 +2,15 @@
 
 #include <cstdlib>
 
-#include "TqPrivate.h"
+#include "internal/TqPrivate.h"
+#include "internal/TqSlots.h"
 
 namespace {
 
 const char sourceName[] = "TqBaseList";
 
-// The step is fixed, deliberately, whatever `allocInc` says: lists on the device are short and
-// memory is scarce.
+// Fixed, whatever `allocInc` says, which applications set to sizes of their own time. Growth by a
+// step and not by a factor: lists on the device are short and memory is scarce.
 const unsigned int growthStep = 16;
 
 // One entry more than `capacity` says: `SwapItems` reaches the entry behind the items, and a full
@@ -31,10 +32,6 @@ void** CopyOfSlots(const TqBaseList& list) {
 void Resize(TqBaseList& list, unsigned int capacity) {
     list.capacity = capacity;
     list.slots = static_cast<void**>(std::realloc(list.slots, SizeOfSlots(capacity)));
-}
-
-bool IsSlot(const TqBaseList& list, unsigned int index) {
-    return index != 0 && index <= list.count;
 }
 
 }  // namespace
@@ -76,16 +73,12 @@ void TqBaseList::PreAlloc(unsigned int n) {
 
 unsigned int TqBaseList::FindSlot(void* item) const {
     TQ_REPORT_IF(item == nullptr);
-    for (unsigned int i = 1; i <= count; ++i) {
-        void* held = slots != nullptr ? slots[i] : nullptr;
-        if (held == item) return i;
-    }
-    return 0;
+    return TqPlaceOf(*this, item);
 }
 
 void TqBaseList::SwapItems(unsigned int a, unsigned int b) {
-    TQ_REPORT_IF(!IsSlot(*this, a));
-    TQ_REPORT_IF(!IsSlot(*this, b));
+    TQ_REPORT_IF(!TqIsSlot(*this, a));
+    TQ_REPORT_IF(!TqIsSlot(*this, b));
     void* item = slots[a];
     slots[a] = slots[b];
     slots[b] = item;
@@ -96,7 +89,8 @@ void TqBaseList::RemoveAllItems() {
 }
 
 void TqBaseList::RemoveSlot(unsigned int index) {
-    // No check of the index or the count, deliberately: derived lists check before they call.
+    // No check of the index or the count: derived lists make theirs before they call, and report in
+    // their own name.
     if (index != count) {
         TqCopyBytes(slots + index, slots + index + 1, (count - index) * sizeof(void*));
     }

@@ -10,8 +10,8 @@
 /// the array exists and is null. Read items as `list.slots[i]`, i from 1 to `count`. Null is never
 /// stored; the same pointer may stand in several slots.
 ///
-/// Index arguments are not checked except where it says so: an index outside the documented range
-/// is the caller's error and may touch memory outside the list.
+/// Index arguments are not checked except where it says so: an index outside the range given with
+/// an operation is the caller's error and may touch memory outside the list.
 ///
 /// Who walks a list raises `walkDepth` for the walk and lowers it again; destroying or assigning to
 /// a list that is being walked is then reported. Inserting and removing during a walk is not.

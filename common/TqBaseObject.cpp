@@ -1,7 +1,7 @@
 #include "TqBaseObject.h"
 
 #include "TqClassInfo.h"
-#include "TqPrivate.h"
+#include "internal/TqPrivate.h"
 
 namespace {
 
@@ -9,7 +9,7 @@ const char sourceName[] = "TqBaseObject";
 
 // What both count operations do first. The checks are unlocked reads, and no failure keeps the
 // count from changing.
-TQ_LOOKS_AT_THE_DEAD void CheckAndLock(TqBaseObject* obj, unsigned int seq) {
+TQ_READS_ANY_OBJECT void CheckAndLock(TqBaseObject* obj, unsigned int seq) {
     TQ_REPORT_IF(obj->destroying != 0);
     TQ_REPORT_IF(obj->self != obj);
     TQ_REPORT_IF(obj->seqNum != seq);

@@ -8,9 +8,6 @@
 class TqBaseObject;
 class TqClassInfo;
 
-/// The factory of `TqBaseObject`: null, a bare base object is never made by name.
-TQ_API TqBaseObject* TqBaseObjectNewFunc();
-
 /// The root of every class that has identity: lists, callbacks, descriptors, the registry, files,
 /// and the classes of the applications. It carries a reference count guarded by a mutex of the
 /// object's own, a self pointer by which handles and lists recognise a dead or foreign object, and
@@ -73,5 +70,8 @@ public:
     /// Kept for the applications that stamp their objects; the library neither reads nor sets it.
     static unsigned int nextSeqNum;
 };
+
+/// The factory of `TqBaseObject`: null, a bare base object is never made by name.
+TQ_API TqBaseObject* TqBaseObjectNewFunc();
 
 #endif

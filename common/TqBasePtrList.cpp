@@ -1,6 +1,7 @@
 #include "TqBasePtrList.h"
 
-#include "TqPrivate.h"
+#include "internal/TqPrivate.h"
+#include "internal/TqSlots.h"
 
 namespace {
 
@@ -15,7 +16,8 @@ TqBasePtrList::TqBasePtrList(const TqBasePtrList& other) : TqBaseList(other) {
 }
 
 TqBasePtrList& TqBasePtrList::operator=(const TqBasePtrList& other) {
-    // No report, unlike the copy constructor: deliberate.
+    // No report, unlike the copy constructor: applications hand a list over by assigning it and
+    // then empty the other one.
     TqBaseList::operator=(other);
     return *this;
 }
@@ -23,18 +25,12 @@ TqBasePtrList& TqBasePtrList::operator=(const TqBasePtrList& other) {
 TqBasePtrList::~TqBasePtrList() {}
 
 void* TqBasePtrList::RemoveItem(unsigned int index) {
-    TQ_REPORT_IF(index == 0 || index > count);
-    if (index > count) return nullptr;
-    void* item = slots != nullptr ? slots[index] : nullptr;
-    // Index 0 is removed like any other, deliberately: the first item drops out of the list.
-    RemoveSlot(index);
-    return item;
+    TQ_REPORT_IF(!TqIsSlot(*this, index));
+    return TqTakeOut(*this, index);
 }
 
 void* TqBasePtrList::RemoveItem(void* item) {
     TQ_REPORT_IF(item == nullptr);
-    for (unsigned int i = 1; i <= count; ++i) {
-        if (slots[i] == item) return RemoveItem(i);
-    }
-    return nullptr;
+    const unsigned int index = TqPlaceOf(*this, item);
+    return index == 0 ? nullptr : TqTakeOut(*this, index);
 }

@@ -16,15 +16,15 @@ public:
     /// A complete copy, and a report: two lists now claim the same items.
     TqBasePtrList(const TqBasePtrList& other);
 
-    /// Takes over the items of `other`: deliberately, unlike the copy, without a report.
+    /// Takes over the items of `other`, unlike the copy without a report.
     TqBasePtrList& operator=(const TqBasePtrList& other);
 
     ~TqBasePtrList() override;
 
     /// Removes slot `index` and returns what was in it. An index above `count` is reported, gives
-    /// null and removes nothing. Index 0 is reported, gives the content of entry 0 (null) and,
-    /// deliberately, still removes "slot 0": the first item drops out of the numbered slots, and
-    /// the `count` of an empty list wraps around.
+    /// null and removes nothing. Index 0 is reported, gives the content of entry 0 (null) and still
+    /// removes "slot 0": the first item drops out of the numbered slots, and the `count` of an
+    /// empty list wraps around.
     void* RemoveItem(unsigned int index);
 
     /// Removes the first slot that holds `item` and returns it; null when none does. Null is

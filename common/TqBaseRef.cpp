@@ -1,14 +1,16 @@
 #include "TqBaseRef.h"
 
-#include "TqPrivate.h"
+#include "internal/TqPrivate.h"
 
 namespace {
 
 const char sourceName[] = "TqBaseRef";
 
+const short ownTypeId = 8;
+
 }  // namespace
 
-short TqBaseRef::typeId = 8;
+short TqBaseRef::typeId = ownTypeId;
 
 TqBaseRef::TqBaseRef(TqBaseObject* obj) : object(nullptr), objectSeqNum(0) {
     AssignNewObject(obj);
@@ -25,8 +27,8 @@ TqBaseRef::~TqBaseRef() {
 }
 
 TqBaseRef& TqBaseRef::operator=(const TqBaseRef& other) {
-    // Unlike the copy constructor this does not lock the other handle, deliberately: two handles
-    // assigned to each other crosswise cannot wait for each other.
+    // Unlike the copy constructor this does not lock the other handle: two handles that two threads
+    // assign to each other crosswise would wait for each other without an end.
     AssignNewObject(other.object);
     return *this;
 }
@@ -50,14 +52,14 @@ void TqBaseRef::AssignNewObject(TqBaseObject* obj) {
     TQ_REPORT_IF(refMutex.Unlock() != 0);
 }
 
-TQ_LOOKS_AT_THE_DEAD void TqBaseRef::GutCheck() const {
+TQ_READS_ANY_OBJECT void TqBaseRef::GutCheck() const {
     if (object == nullptr) return;
     TQ_REPORT_IF(object->self != object);
     TQ_REPORT_IF(objectSeqNum != object->seqNum);
 }
 
 short TqBaseRef::TypeId() const {
-    return 8;
+    return ownTypeId;
 }
 
 void TqBaseRef::ToString(TqString&) const {
@@ -78,7 +80,7 @@ void TqBaseRef::FromBuffer(TqBuffer&) {
 
 int TqBaseRef::Compare(const TqDataType& other) const {
     TQ_REPORT_IF(TypeId() != other.TypeId());
-    // A test of identity, not an order, deliberately: 1 says that the two are the same.
+    // 1 says that the two are the same: applications write `if (a.Compare(b))` for that.
     return TqTakenAs<TqBaseRef>(other).object == object ? 1 : 0;
 }
 

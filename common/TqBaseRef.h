@@ -35,7 +35,7 @@ public:
     /// Lets the object go.
     ~TqBaseRef() override;
 
-    /// Takes the object of `other`, deliberately without the mutex of `other`.
+    /// Takes the object of `other`, unlike the copy without the mutex of `other`.
     TqBaseRef& operator=(const TqBaseRef& other);
 
     TqBaseRef& operator=(TqBaseObject* obj);
@@ -57,8 +57,8 @@ public:
     void ToBuffer(TqBuffer& out) const override;
     void FromBuffer(TqBuffer& in) override;
 
-    /// 1 when both hold the same object (or none), 0 when not: deliberately a test of identity and
-    /// the reverse of the other types' sign convention. Another type is reported.
+    /// 1 when both hold the same object (or none), 0 when not: a test of identity, the reverse of
+    /// the other types' sign convention, on which applications branch. Another type is reported.
     int Compare(const TqDataType& other) const override;
 
     /// Whether both hold the same object (or none). Null gives false. Another type is reported as

@@ -1,6 +1,7 @@
 #include "TqBaseRefList.h"
 
-#include "TqPrivate.h"
+#include "internal/TqPrivate.h"
+#include "internal/TqSlots.h"
 
 namespace {
 
@@ -16,11 +17,8 @@ void Unlock(const TqBaseRefList& list) {
 
 // The object in a slot, or null after a report when there is none. A dead or foreign object is
 // reported and returned.
-TQ_LOOKS_AT_THE_DEAD TqBaseObject* CheckedItem(const TqBaseRefList& list, unsigned int index) {
-    TqBaseObject* item = nullptr;
-    if (index <= list.count && list.slots != nullptr) {
-        item = static_cast<TqBaseObject*>(list.slots[index]);
-    }
+TQ_READS_ANY_OBJECT TqBaseObject* CheckedItem(const TqBaseRefList& list, unsigned int index) {
+    TqBaseObject* item = static_cast<TqBaseObject*>(TqItemIn(list, index));
     TQ_REPORT_IF(item == nullptr);
     TQ_REPORT_IF(item != nullptr && item->self != item);
     return item;
@@ -29,8 +27,8 @@ TQ_LOOKS_AT_THE_DEAD TqBaseObject* CheckedItem(const TqBaseRefList& list, unsign
 // Before the lock is taken, so the count may be one that another thread is about to change.
 TQ_READS_UNLOCKED void ReportUnlessSlots(const TqBaseRefList& list, unsigned int a,
                                          unsigned int b) {
-    TQ_REPORT_IF(a == 0 || a > list.count);
-    TQ_REPORT_IF(b == 0 || b > list.count);
+    TQ_REPORT_IF(!TqIsSlot(list, a));
+    TQ_REPORT_IF(!TqIsSlot(list, b));
 }
 
 void TakeReference(TqBaseObject* item) {
@@ -45,13 +43,10 @@ void DropReference(TqBaseObject* item) {
 // stands nowhere any more.
 const unsigned int noSlot = 0xFFFFFFFFu;
 
-unsigned int PlaceOf(const TqBaseRefList& list, const TqBaseObject* item, unsigned int index) {
-    if (list.slots == nullptr) return noSlot;
-    if (index <= list.count && list.slots[index] == item) return index;
-    for (unsigned int i = 1; i <= list.count; ++i) {
-        if (list.slots[i] == item) return i;
-    }
-    return noSlot;
+unsigned int PlaceNow(const TqBaseRefList& list, const TqBaseObject* item, unsigned int index) {
+    if (TqItemIn(list, index) == item) return index;
+    const unsigned int place = TqPlaceOf(list, item);
+    return place == 0 ? noSlot : place;
 }
 
 void TakeReferences(const TqBaseRefList& list) {
@@ -65,7 +60,7 @@ void DropReferences(const TqBaseRefList& list) {
         TqBaseObject* item = CheckedItem(list, i);
         if (item == nullptr) continue;
         DropReference(item);
-        const unsigned int place = PlaceOf(list, item, i);
+        const unsigned int place = PlaceNow(list, item, i);
         if (place != noSlot) list.slots[place] = nullptr;
     }
 }
@@ -123,7 +118,7 @@ void TqBaseRefList::RemoveSlot(unsigned int index) {
     TqBaseObject* item = CheckedItem(*this, index);
     if (item != nullptr) {
         DropReference(item);
-        const unsigned int place = PlaceOf(*this, item, index);
+        const unsigned int place = PlaceNow(*this, item, index);
         if (place != noSlot) TqBaseList::RemoveSlot(place);
     }
     Unlock(*this);
@@ -142,8 +137,8 @@ void TqBaseRefList::ReplaceSlot(unsigned int index, void* item) {
     Lock(*this);
     TqBaseObject* old = CheckedItem(*this, index);
     if (old != nullptr) {
-        // Both lose a reference and the old item stays, one slot up. Applications have come to rely
-        // on it; a true replacement is a removal and an insertion.
+        // Both lose a reference and the old item stays, one slot up: applications that count on it
+        // hold one more reference of their own on each. A true replacement would leave those over.
         if (item != old) {
             DropReference(old);
             if (item != nullptr) DropReference(static_cast<TqBaseObject*>(item));

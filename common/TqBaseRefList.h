@@ -17,9 +17,9 @@
 /// A slot that holds nothing (index above `count`, or null as entry 0) is reported, and the
 /// operation leaves it alone; an item that is dead or foreign is reported and counted all the same.
 ///
-/// Destructors: an object that is let go is deleted inside the operation, with `listMutex` held. Its
-/// destructor may change this list, or the one being assigned from; the mutex it meets is reported,
-/// and no reference is dropped twice:
+/// Destructors: an object that is let go is deleted inside the operation, with `listMutex` held.
+/// Its destructor may change this list, or the one being assigned from; the mutex it meets is
+/// reported, and no reference is dropped twice:
 ///
 /// - what it appends while all items are let go is let go too; what it inserts further in front
 ///   stays alive, with a reference that nobody drops;
@@ -56,8 +56,8 @@ public:
     /// inserted.
     void InsertSlot(unsigned int index, void* item) override;
 
-    /// Deliberately not a plain replacement: `item` is inserted at `index` and what was there moves
-    /// to `index + 1`; when the two differ, both lose one reference, and one that had no other is
+    /// Not a plain replacement: `item` is inserted at `index` and what was there moves to
+    /// `index + 1`; when the two differ, both lose one reference, and one that had no other is
     /// deleted while its pointer stays in the list. To replace, remove and insert.
     void ReplaceSlot(unsigned int index, void* item) override;
 

@@ -1,15 +1,17 @@
 #include "TqBoolean.h"
 
-#include "TqPrivate.h"
 #include "TqString.h"
+#include "internal/TqPrivate.h"
 
 namespace {
 
 const char sourceName[] = "TqBoolean";
 
+const short ownTypeId = 4;
+
 }  // namespace
 
-short TqBoolean::typeId = 4;
+short TqBoolean::typeId = ownTypeId;
 
 TqBoolean::TqBoolean(int flag) : state(flag) {}
 
@@ -30,7 +32,7 @@ void TqBoolean::StringToValue(const char* text) {
 }
 
 short TqBoolean::TypeId() const {
-    return 4;
+    return ownTypeId;
 }
 
 TqDataType* TqBoolean::Clone() const {
@@ -46,7 +48,7 @@ void TqBoolean::FromString(const char* text) {
 }
 
 int TqBoolean::Compare(const TqDataType& other) const {
-    TQ_REPORT_IF(other.TypeId() != 4);
+    TQ_REPORT_IF(other.TypeId() != ownTypeId);
     return TqWrappedDifference(state, TqFieldTakenAs(other, &TqBoolean::state));
 }
 

@@ -4,17 +4,20 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "TqItem.h"
-#include "TqPrivate.h"
 #include "TqString.h"
+#include "internal/TqItem.h"
+#include "internal/TqPrivate.h"
 
 namespace {
 
 const char sourceName[] = "TqBuffer";
 
+const short ownTypeId = 6;
+
 const unsigned int internalCapacity = sizeof(TqBuffer::internalData);
 
-// The mode is told by the capacity alone, deliberately, and not by where `data` points.
+// The mode is told by the capacity alone and not by where `data` points: applications tell it so
+// themselves, and a block of exactly this size reads as they expect.
 bool IsInternal(const TqBuffer& buffer) {
     return buffer.capacity == internalCapacity;
 }
@@ -67,17 +70,36 @@ bool EndsBeyond(unsigned int position, unsigned int count, unsigned int limit) {
     return count > limit || position > limit - count;
 }
 
+// What is not just digits is taken as strtol does: leading blanks and a sign are fine, anything
+// else ends the number. A negative length turns into one that no buffer holds.
+unsigned int ParseUnusualLength(const unsigned char* digits) {
+    char text[tqItemDigits + 1];
+    std::memcpy(text, digits, tqItemDigits);
+    text[tqItemDigits] = '\0';
+    return static_cast<unsigned int>(std::strtol(text, nullptr, 10));
+}
+
+unsigned int ParseLength(const unsigned char* digits) {
+    unsigned int length = 0;
+    for (unsigned int i = 0; i < tqItemDigits; ++i) {
+        if (digits[i] < '0' || digits[i] > '9') return ParseUnusualLength(digits);
+        length = length * 10 + digits[i] - '0';
+    }
+    return length;
+}
+
 unsigned int BytesLeft(const TqBuffer& buffer) {
     return buffer.length > buffer.readPosition ? buffer.length - buffer.readPosition : 0;
 }
 
 }  // namespace
 
-short TqBuffer::typeId = 6;
+short TqBuffer::typeId = ownTypeId;
 
 void TqMakeRoom(TqBuffer& buffer, unsigned int count) {
     if (buffer.capacity - buffer.length >= count) return;
-    // Exactly what is needed, deliberately: memory is scarcer than time here.
+    // Exactly what is needed, no spare room: buffers live as long as their messages wait, and on
+    // the device memory is scarcer than time.
     const unsigned int capacity = buffer.length + count;
     unsigned char* block;
     if (IsInternal(buffer)) {
@@ -174,7 +196,7 @@ unsigned char TqBuffer::operator[](unsigned int index) const {
 void TqBuffer::PutAt(unsigned int index, unsigned char byte) {
     TQ_REPORT_IF(index >= length);
     if (index > length) return;
-    // Storing one behind the counted bytes is deliberate. Heap blocks have a spare byte for it, the
+    // Applications end a text in the buffer this way. Heap blocks have a spare byte for it, the
     // full internal area has none.
     if (index == capacity && IsInternal(*this)) return;
     data[index] = byte;
@@ -185,7 +207,8 @@ bool TqBuffer::Write(const unsigned char* bytes, unsigned int count, unsigned in
         TqCallAssert(sourceName, __LINE__);
         return false;
     }
-    // Ending exactly at the length is reported although the write is done: deliberate.
+    // A write that ends exactly at the length is done and reported: applications take the report
+    // for "the last byte was written", and it was never a failure.
     TQ_REPORT_IF(position + count == length);
     TqCopyBytes(data + position, bytes, count);
     return true;
@@ -215,7 +238,7 @@ unsigned char* TqBuffer::AdvanceReadContext(unsigned int count) {
 }
 
 short TqBuffer::TypeId() const {
-    return 6;
+    return ownTypeId;
 }
 
 TqDataType* TqBuffer::Clone() const {
@@ -267,4 +290,33 @@ bool TqBuffer::Equals(const TqDataType* other) const {
 
 void TqBuffer::Assignment(const TqDataType& other) {
     *this = TqTakenAs<TqBuffer>(other);
+}
+
+// Items.
+
+void TqWriteItem(TqBuffer& out, unsigned int statedLength, const void* payload,
+                 unsigned int count) {
+    // A length of more digits loses its last ones: five bytes are what every reader takes. The item
+    // is corrupt then; payloads are limited to 99999 bytes.
+    while (statedLength > 99999) statedLength /= 10;
+    unsigned char digits[tqItemDigits];
+    for (unsigned int i = tqItemDigits; i > 0; --i) {
+        digits[i - 1] = static_cast<unsigned char>('0' + statedLength % 10);
+        statedLength /= 10;
+    }
+    TqMakeRoom(out, tqItemDigits + count);
+    out.Append(digits, tqItemDigits);
+    out.Append(static_cast<const unsigned char*>(payload), count);
+}
+
+TqItemPayload TqReadItem(TqBuffer& in) {
+    const TqItemPayload none = {nullptr, 0};
+    const unsigned char* digits = in.data + in.readPosition;
+    const unsigned char* payload = in.AdvanceReadContext(tqItemDigits);
+    if (payload != nullptr) {
+        const unsigned int count = ParseLength(digits);
+        if (in.AdvanceReadContext(count) != nullptr) return {payload, count};
+    }
+    in.readPosition = in.length;
+    return none;
 }

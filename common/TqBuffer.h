@@ -48,21 +48,21 @@ public:
     void Append(const unsigned char* bytes, unsigned int count);
 
     /// Inserts `count` bytes before `position`, which is cut to `length`. Null `bytes` is reported
-    /// and nothing happens. An insert before the end, deliberately, rebuilds the buffer: the read
-    /// position is 0 then, and the storage chosen anew.
+    /// and nothing happens. An insert before the end rebuilds the buffer: the read position is 0
+    /// then, and the storage chosen anew.
     void Insert(const unsigned char* bytes, unsigned int count, unsigned int position);
 
     /// The byte at `index`. One not below `length` is reported and gives 0.
     unsigned char operator[](unsigned int index) const;
 
-    /// Stores a byte. An `index` not below `length` is reported; one equal to it, deliberately,
-    /// still stores, just behind the counted bytes and without counting it, where the storage has
-    /// room for it (a full internal area has none). A larger one stores nothing.
+    /// Stores a byte. An `index` not below `length` is reported; one equal to it still stores, just
+    /// behind the counted bytes and without counting it, where the storage has room for it (a full
+    /// internal area has none). A larger one stores nothing.
     void PutAt(unsigned int index, unsigned char byte);
 
     /// Overwrites `count` bytes at `position` and returns true. A write that would end beyond
-    /// `length` is reported, writes nothing and returns false; one that ends exactly at it is,
-    /// deliberately, reported too.
+    /// `length` is reported, writes nothing and returns false; one that ends exactly at it is
+    /// reported too.
     bool Write(const unsigned char* bytes, unsigned int count, unsigned int position);
 
     /// Copies `count` bytes at `position` to `destination` and returns true. One that would end
@@ -81,8 +81,8 @@ public:
     short TypeId() const override;
     TqDataType* Clone() const override;
 
-    /// Appends one character per byte to `out`, deliberately without clearing it: the byte itself
-    /// when printable, else "*".
+    /// Appends one character per byte to `out`, without clearing it as other types do: programs put
+    /// a title there first. The character is the byte itself when printable, else "*".
     void ToString(TqString& out) const override;
 
     /// Not supported: reports and changes nothing.

@@ -1,7 +1,7 @@
 #include "TqCallback.h"
 
 #include "TqClassInfo.h"
-#include "TqPrivate.h"
+#include "internal/TqPrivate.h"
 
 namespace {
 

@@ -4,9 +4,6 @@
 #include "TqBaseObject.h"
 #include "TqCallbackData.h"
 
-/// The factory of `TqCallback`: null, the class is abstract.
-TQ_API TqBaseObject* TqCallbackNewFunc();
-
 /// The abstract callback: an object that is told, through `Invoke`, that something happened to a
 /// source object. `TqFunctionCb` calls a function; applications derive their own.
 ///
@@ -38,5 +35,8 @@ public:
 
     void* userData;  ///< the caller's own value
 };
+
+/// The factory of `TqCallback`: null, the class is abstract.
+TQ_API TqBaseObject* TqCallbackNewFunc();
 
 #endif

@@ -1,6 +1,6 @@
 #include "TqCallbackChain.h"
 
-#include "TqPrivate.h"
+#include "internal/TqPrivate.h"
 
 namespace {
 

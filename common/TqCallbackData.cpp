@@ -1,6 +1,6 @@
 #include "TqCallbackData.h"
 
-#include "TqPrivate.h"
+#include "internal/TqPrivate.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "TqClassInfo.h"
 
 #include "TqClassRegistry.h"
-#include "TqPrivate.h"
+#include "internal/TqPrivate.h"
 
 namespace {
 

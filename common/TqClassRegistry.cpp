@@ -4,7 +4,8 @@
 #include <cstring>
 
 #include "TqBaseRef.h"
-#include "TqPrivate.h"
+#include "internal/TqPrivate.h"
+#include "internal/TqSlots.h"
 
 namespace {
 
@@ -13,8 +14,7 @@ const char sourceName[] = "TqClassRegistry";
 typedef TqRefList<TqClassInfo> ClassList;
 
 TqClassInfo* HeldInfo(const ClassList& list, unsigned int index) {
-    if (index > list.count || list.slots == nullptr) return nullptr;
-    return static_cast<TqClassInfo*>(static_cast<TqBaseObject*>(list.slots[index]));
+    return static_cast<TqClassInfo*>(static_cast<TqBaseObject*>(TqItemIn(list, index)));
 }
 
 // The walk that every lookup makes. The count is noted once, and a slot is not tested for null: the
@@ -85,8 +85,8 @@ void TqClassRegistry::Dump() const {
 void TqClassRegistry::Remove(const char* name) {
     TqBaseObject* info = ClassInfo(name);
     const unsigned int index = classList.FindSlot(info);
-    // Known in the field under the name of the list's header.
-    if (index == 0 || index > classList.count) TqCallAssert("./TqRefList", __LINE__);
+    // The name of the list's header: hooks of applications tell this report from others by it.
+    if (!TqIsSlot(classList, index)) TqCallAssert("./TqRefList", __LINE__);
     // Keeps the descriptor alive until its slot is gone.
     const TqRef<TqClassInfo> kept(HeldInfo(classList, index));
     classList.RemoveSlot(index);

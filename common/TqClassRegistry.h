@@ -17,8 +17,8 @@
 /// process ends.
 /// Lock: none for `GetRegistry` (call it first on one thread), for the lookups and for `Dump`;
 /// inserting and removing take the list's mutex, which the lookups do not. A lookup also writes:
-/// `IsA(name)` and each function here that takes a name raises `walkDepth` of the list and lowers it
-/// again, a plain number. What that means for threads:
+/// `IsA(name)` and each function here that takes a name raises `walkDepth` of the list and lowers
+/// it again, a plain number. What that means for threads:
 ///
 /// - Register every class before the threads start, and remove none while they run. Or put lookups,
 ///   registrations and removals under one lock of the application's own.

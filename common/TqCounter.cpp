@@ -1,15 +1,17 @@
 #include "TqCounter.h"
 
-#include "TqPrivate.h"
 #include "TqString.h"
+#include "internal/TqPrivate.h"
 
 namespace {
 
 const char sourceName[] = "TqCounter";
 
+const short ownTypeId = 3;
+
 }  // namespace
 
-short TqCounter::typeId = 3;
+short TqCounter::typeId = ownTypeId;
 
 TqCounter::TqCounter(unsigned int number) : count(number) {}
 
@@ -21,7 +23,7 @@ TqCounter& TqCounter::operator=(const TqCounter& other) {
 }
 
 short TqCounter::TypeId() const {
-    return 3;
+    return ownTypeId;
 }
 
 TqDataType* TqCounter::Clone() const {
@@ -39,7 +41,7 @@ void TqCounter::FromString(const char* text) {
 }
 
 int TqCounter::Compare(const TqDataType& other) const {
-    TQ_REPORT_IF(other.TypeId() != 3);
+    TQ_REPORT_IF(other.TypeId() != ownTypeId);
     return static_cast<int>(count - TqFieldTakenAs(other, &TqCounter::count));
 }
 

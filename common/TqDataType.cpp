@@ -11,6 +11,6 @@ bool TqDataType::DoesNotEqual(const TqDataType* other) const {
 void TqDataType::NextId(short* id) {
     if (*id != 0) return;
     *id = currentFreeTypeId;
-    // Not checked for overflow, deliberately: no process has tens of thousands of types.
+    // Not checked for overflow: no process has tens of thousands of types.
     currentFreeTypeId = static_cast<short>(currentFreeTypeId + 1);
 }

@@ -55,8 +55,8 @@ public:
     virtual void FromBuffer(TqBuffer& in) = 0;
 
     /// Orders this value against `other`: negative, 0 or positive as for `strcmp`; only the sign
-    /// means something. Another type is reported and then, deliberately, compared as though it were
-    /// of this type (the byte buffer returns -1): the caller sees to it that the layouts agree.
+    /// means something. Another type is reported and then compared as though it were of this type
+    /// (the byte buffer returns -1): the caller sees to it that the layouts agree.
     virtual int Compare(const TqDataType& other) const = 0;
 
     /// Whether the values are equal under the type's own rule. Null is equal to nothing. Another
@@ -66,8 +66,8 @@ public:
     /// The negation of `Equals`, null included. Not to be overridden.
     virtual bool DoesNotEqual(const TqDataType* other) const;
 
-    /// Takes over the value of `other`, which must be of this type: the plain types deliberately do
-    /// not check it.
+    /// Takes over the value of `other`, which must be of this type: the plain types do not check
+    /// it.
     virtual void Assignment(const TqDataType& other) = 0;
 
     /// Assigns a run-time type id: `*id` receives the next free one when it is 0 and stays as it is

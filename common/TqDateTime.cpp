@@ -2,17 +2,19 @@
 
 #include <cstdio>
 
-#include "TqPrivate.h"
+#include "internal/TqPrivate.h"
 
 namespace {
 
 const char sourceName[] = "TqDateTime";
 
+const short ownTypeId = 10;
+
 const unsigned int longestNumber = sizeof "-2147483648" - 1;
 
 }  // namespace
 
-short TqDateTime::typeId = 10;
+short TqDateTime::typeId = ownTypeId;
 
 TqDateTime::TqDateTime() : time() {
     SetNow();
@@ -22,7 +24,8 @@ TqDateTime::TqDateTime(const tm* t) : time() {
     SetTime(t);
 }
 
-// Deliberately takes nothing over.
+// Takes nothing over: programs know a date that was copied, where it should have been assigned, by
+// its zeros.
 TqDateTime::TqDateTime(const TqDateTime& other) : TqDataType(other), time() {
     TqCallAssert(sourceName, __LINE__);
 }
@@ -53,7 +56,7 @@ void TqDateTime::SetTime(const tm* t) {
 }
 
 short TqDateTime::TypeId() const {
-    return 10;
+    return ownTypeId;
 }
 
 TqDataType* TqDateTime::Clone() const {
@@ -61,8 +64,8 @@ TqDataType* TqDateTime::Clone() const {
 }
 
 void TqDateTime::ToString(TqString& out) const {
-    // The members are written as they are stored, and a January (month 0) shows no date: both
-    // deliberate, the readers of these texts count on them.
+    // The members are written as they are stored, and a January (month 0) shows no date: programs
+    // that read these texts add the 1 and the 1900 themselves.
     const bool hasDate = time.tm_year != 0 && time.tm_mday != 0 && time.tm_mon != 0;
     char written[6 * longestNumber + sizeof "// ::"];
     int length = 0;

@@ -23,8 +23,7 @@ public:
     /// The first nine members of `*t`, not null; see `SetTime`.
     TqDateTime(const tm* t);
 
-    /// Deliberately not supported: the new date is all zero, whatever `other` holds, and the copy
-    /// is reported.
+    /// Not supported: the new date is all zero, whatever `other` holds, and the copy is reported.
     TqDateTime(const TqDateTime& other);
 
     ~TqDateTime() override;
@@ -46,7 +45,7 @@ public:
 
     /// "month/day/year hours:minutes:seconds" of the members as they are stored: the month counts
     /// from 0 and the year from 1900. When month, day or year is 0, so in every January, the date
-    /// and its blank are left out. Both are deliberate.
+    /// and its blank are left out. Programs that read these texts reckon with both.
     ///
     ///     5 March 2024 06:07:08 "02/05/0124 06:07:08";  5 January 2024 06:07:08 "06:07:08"
     void ToString(TqString& out) const override;

@@ -5,4 +5,8 @@
 /// only what carries this mark is seen by the programs that link it.
 #define TQ_API __attribute__((visibility("default")))
 
+/// Marks what reads an object that may be dead, or of another type than it is taken for, to report
+/// just that: the undefined-behaviour sanitizer must not ask first.
+#define TQ_READS_ANY_OBJECT __attribute__((no_sanitize("vptr")))
+
 #endif

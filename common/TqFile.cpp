@@ -3,13 +3,13 @@
 #include <cerrno>
 
 #include "TqClassInfo.h"
-#include "TqPrivate.h"
+#include "internal/TqPrivate.h"
 
 namespace {
 
 const char sourceName[] = "TqFile";
 
-// One for all files, deliberately: reading lines allocates nothing.
+// One for all files, so that reading lines allocates nothing on a device of little memory.
 char line[1024];
 
 FILE* OpenStream(const char* name, int mode) {
@@ -38,7 +38,7 @@ const int TqFile::fileClosed;
 
 TqFile::TqFile() : openMode(-1), stream(nullptr), fileState(fileUnknown) {}
 
-// The state is that of no other file, deliberately: it marks a copy.
+// A state that no other file has: applications know a copy by it.
 TqFile::TqFile(const TqFile& other)
     : TqBaseObject(other), openMode(-1), stream(nullptr), fileState(-1) {
     TqCallAssert(sourceName, __LINE__);
@@ -51,7 +51,7 @@ TqFile& TqFile::operator=(const TqFile& other) {
 }
 
 TqFile::~TqFile() {
-    // The stream stays open, deliberately: closing is the owner's duty.
+    // The stream stays open: applications hand it on and close it themselves.
     TqClearForGood(fileState);
 }
 
@@ -63,7 +63,7 @@ int TqFile::Open(const char* name, int mode) {
     fileName = name;
     openMode = mode;
     TQ_REPORT_IF(fileName.length == 0);
-    // An earlier stream is not looked at, deliberately: owners close before they open again.
+    // An earlier stream is not closed: applications keep its pointer and close it themselves.
     stream = OpenStream(fileName.data, openMode);
     fileState = stream != nullptr ? fileOpen : fileUnknown;
     return stream != nullptr;
@@ -71,7 +71,8 @@ int TqFile::Open(const char* name, int mode) {
 
 int TqFile::Close() {
     if (stream == nullptr) return 1;
-    // The closed stream stays in the object, deliberately; the state tells that it is closed.
+    // The closed stream stays in the object, where applications compare it with the pointer they
+    // kept; the state tells that it is closed.
     if (std::fclose(stream) == EOF) return 0;
     fileState = fileClosed;
     return 1;

@@ -6,9 +6,6 @@
 #include "TqBaseObject.h"
 #include "TqString.h"
 
-/// The factory of `TqFile`: hands over a new object.
-TQ_API TqBaseObject* TqFileNewFunc();
-
 /// A text file that is opened in one of five modes and read line by line:
 ///
 ///     TqFile file;
@@ -21,7 +18,7 @@ TQ_API TqBaseObject* TqFileNewFunc();
 /// `stream`. There are no error texts: after a failure `errno` is the system's.
 ///
 /// Ownership: who opens the file closes it. Neither the destructor nor another `Open` closes a
-/// stream; one that is left open stays open until the process ends, deliberately.
+/// stream; one that is left open stays open until the process ends.
 /// Lock: none, and one line buffer serves the files of all threads: read files on one thread.
 /// Reports: source "TqFile".
 class TQ_API TqFile : public TqBaseObject {
@@ -29,8 +26,8 @@ public:
     /// Not open.
     TqFile();
 
-    /// Reports: a file is not copied. The new object is not open and has the state -1,
-    /// deliberately, by which copies are known.
+    /// Reports: a file is not copied. The new object is not open and has the state -1, by which
+    /// copies are known.
     TqFile(const TqFile& other);
 
     /// Reports, and leaves the file as it was.
@@ -53,8 +50,7 @@ public:
 
     /// Closes the stream and returns 1; returns 0 and leaves the state alone when the system
     /// reports a failure, such as a full device. One that is not open: 1, and nothing happens.
-    /// Deliberately, `stream` keeps its value: neither `NextLine` nor `Close` may follow before
-    /// another `Open`.
+    /// `stream` keeps its value: neither `NextLine` nor `Close` may follow before another `Open`.
     virtual int Close();
 
     /// The next line as `fgets` leaves it, with its newline, in a buffer that is valid until the
@@ -80,5 +76,8 @@ public:
     static const int fileAtEnd = 2;    ///< `NextLine` found no further line
     static const int fileClosed = 3;   ///< `Close` succeeded
 };
+
+/// The factory of `TqFile`: hands over a new object.
+TQ_API TqBaseObject* TqFileNewFunc();
 
 #endif

@@ -3,12 +3,14 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "TqPrivate.h"
 #include "TqString.h"
+#include "internal/TqPrivate.h"
 
 namespace {
 
 const char sourceName[] = "TqFloat";
+
+const short ownTypeId = 5;
 
 // An integer part of this many characters leaves no room for a fraction.
 const unsigned int crowdedLength = 8;
@@ -24,7 +26,7 @@ int ToInteger(float value) {
 
 }  // namespace
 
-short TqFloat::typeId = 5;
+short TqFloat::typeId = ownTypeId;
 
 TqFloat::TqFloat(float number) : value(number) {}
 
@@ -40,7 +42,7 @@ TqFloat& TqFloat::operator=(const TqFloat& other) {
 }
 
 short TqFloat::TypeId() const {
-    return 5;
+    return ownTypeId;
 }
 
 TqDataType* TqFloat::Clone() const {
@@ -77,7 +79,7 @@ void TqFloat::FromBuffer(TqBuffer& in) {
 }
 
 int TqFloat::Compare(const TqDataType& other) const {
-    TQ_REPORT_IF(other.TypeId() != 5);
+    TQ_REPORT_IF(other.TypeId() != ownTypeId);
     // Through memory, so that processors that calculate with more digits round here as well.
     const volatile float difference = value - TqTakenAs<TqFloat>(other).value;
     return ToInteger(difference);

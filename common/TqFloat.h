@@ -6,8 +6,8 @@
 
 /// The single-precision floating-point value. Type id 5; its item is its text ("000023.").
 ///
-/// The text form shows the integer part only, deliberately, so an item does not give the fraction
-/// back: 3.75 is sent as "3." and received as 3.
+/// The text form shows the integer part only, as stored configurations have it, so an item does not
+/// give the fraction back: 3.75 is sent as "3." and received as 3.
 ///
 /// Ownership: nothing beyond itself. Lock: none. Reports: source "TqFloat", and "./TqFloat" from
 /// `Equals`.
@@ -42,8 +42,8 @@ public:
     void FromBuffer(TqBuffer& in) override;
 
     /// The single-precision difference of the two values as an integer, truncated toward zero.
-    /// Deliberately coarse: values less than 1 apart compare as equal. Beyond 32 bits the result is
-    /// the nearest end of the range; a NaN difference gives 0. Another type id than 5 is reported.
+    /// It is coarse: values less than 1 apart compare as equal. Beyond 32 bits the result is the
+    /// nearest end of the range; a NaN difference gives 0. Another type id than 5 is reported.
     ///
     ///     5.0f against 2.0f: 3;  1.5f against 1.0f: 0;  -3.0f against 1.0f: -4
     int Compare(const TqDataType& other) const override;
@@ -59,8 +59,8 @@ public:
     static short typeId;  ///< 5, for naming the id without an object
 };
 
-// A value of another type is reported and then, deliberately, read as though it were a float.
-__attribute__((no_sanitize("vptr"))) inline bool TqFloat::Equals(const TqDataType* other) const {
+// A value of another type is reported and then read as though it were a float.
+TQ_READS_ANY_OBJECT inline bool TqFloat::Equals(const TqDataType* other) const {
     if (other == nullptr) return false;
     if (TypeId() != other->TypeId()) TqCallAssert("./TqFloat", __LINE__);
     return value == static_cast<const TqFloat*>(other)->value;

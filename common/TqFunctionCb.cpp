@@ -1,6 +1,6 @@
 #include "TqFunctionCb.h"
 
-#include "TqPrivate.h"
+#include "internal/TqPrivate.h"
 
 namespace {
 

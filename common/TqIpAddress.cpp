@@ -3,14 +3,11 @@
 #include <cctype>
 
 #include "TqString.h"
+#include "internal/TqDigits.h"
 
 namespace {
 
 const int fieldCount = 4;
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 void SkipBlanks(const char*& text) {
     while (std::isspace(static_cast<unsigned char>(*text)) != 0) ++text;
@@ -25,7 +22,7 @@ bool SkipSign(const char*& text) {
 // The number at `text`, or `most` when it is larger.
 unsigned int ReadDigits(const char*& text, unsigned int most) {
     unsigned int number = 0;
-    for (; IsDigit(*text); ++text) {
+    for (; TqIsDigit(*text); ++text) {
         const unsigned int digit = static_cast<unsigned int>(*text - '0');
         number = number > (most - digit) / 10 ? most : number * 10 + digit;
     }
@@ -38,7 +35,7 @@ unsigned int ReadDigits(const char*& text, unsigned int most) {
 bool ReadField(const char*& text, unsigned int& field) {
     SkipBlanks(text);
     const bool negative = SkipSign(text);
-    if (!IsDigit(*text)) return false;
+    if (!TqIsDigit(*text)) return false;
     const unsigned int number = ReadDigits(text, negative ? 0x80000000u : 0x7FFFFFFFu);
     field = (negative ? 0u - number : number) & 0xFFFFu;
     return true;

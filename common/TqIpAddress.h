@@ -1,9 +1,8 @@
 #ifndef TQ_IP_ADDRESS_H
 #define TQ_IP_ADDRESS_H
 
-#include <type_traits>
-
 #include "TqExport.h"
+#include "TqIpAddressComparisons.h"
 
 class TqString;
 
@@ -24,7 +23,8 @@ class TqString;
 ///     "10.0.0.1", " 10. 0. 0.+1", "10.0.0.1xyz" 10.0.0.1;  "1.2.3.4.5" 1.2.3.4
 ///     "256.1.1.1", "1.2.3", "1.2.3.-4", "1 .2.3.4", "" no address
 ///
-/// Addresses, masks and integers of every type compare with == and != in either order.
+/// Addresses, masks and integers of every type compare with == and != in either order
+/// (TqIpAddressComparisons.h).
 ///
 /// Ownership: nothing beyond itself. Lock: none. Reports: none, failures are answered with false.
 class TQ_API TqIpAddress {
@@ -81,57 +81,7 @@ public:
     unsigned int address;  ///< the number
     int valid;             ///< 1 when `address` was accepted, else 0
 
-private:
-    template <class A, class B = TqIpAddress>
-    struct AreAddresses : std::integral_constant<bool, std::is_base_of<TqIpAddress, A>::value &&
-                                                           std::is_base_of<TqIpAddress, B>::value> {
-    };
-
-    template <class N, class A>
-    struct AreNumberAndAddress
-        : std::integral_constant<bool, (std::is_integral<N>::value || std::is_enum<N>::value) &&
-                                           AreAddresses<A>::value> {};
-
-    // The following fit their operands exactly. Without them most pairs are ambiguous with the
-    // comparison of plain numbers, to which an address converts; where they are not, as with
-    // 5 == address before C++20, that one passes over `valid`; and from C++20 on two masks are
-    // ambiguous with themselves the other way round.
-
-    template <class A, class B>
-    friend typename std::enable_if<AreAddresses<A, B>::value, bool>::type operator==(const A& a,
-                                                                                     const B& b) {
-        return static_cast<const TqIpAddress&>(a) == static_cast<const TqIpAddress&>(b);
-    }
-
-    template <class A, class N>
-    friend typename std::enable_if<AreNumberAndAddress<N, A>::value, bool>::type operator==(
-        const A& a, N number) {
-        return static_cast<const TqIpAddress&>(a) == static_cast<unsigned long>(number);
-    }
-
-    template <class N, class A>
-    friend typename std::enable_if<AreNumberAndAddress<N, A>::value, bool>::type operator==(
-        N number, const A& a) {
-        return static_cast<const TqIpAddress&>(a) == static_cast<unsigned long>(number);
-    }
-
-    template <class A, class B>
-    friend typename std::enable_if<AreAddresses<A, B>::value, bool>::type operator!=(const A& a,
-                                                                                     const B& b) {
-        return !(a == b);
-    }
-
-    template <class A, class N>
-    friend typename std::enable_if<AreNumberAndAddress<N, A>::value, bool>::type operator!=(
-        const A& a, N number) {
-        return !(a == number);
-    }
-
-    template <class N, class A>
-    friend typename std::enable_if<AreNumberAndAddress<N, A>::value, bool>::type operator!=(
-        N number, const A& a) {
-        return !(a == number);
-    }
+    TQ_IP_ADDRESS_COMPARISONS
 };
 
 #endif

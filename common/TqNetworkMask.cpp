@@ -35,8 +35,8 @@ bool TqNetworkMask::fromString(const char* const& text) {
 }
 
 bool TqNetworkMask::isValidMask(unsigned long number) {
-    // Refusing the mask of a single host and not looking at bit 31 are deliberate; configurations
-    // in the field were written against both.
+    // The mask of a single host is refused and bit 31 not looked at: stored configurations hold
+    // masks that a stricter or a looser rule would read otherwise.
     const unsigned int bits = static_cast<unsigned int>(number);
     if (bits == 0xFFFFFFFFu) return false;
     bool oneSeen = false;

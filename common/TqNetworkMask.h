@@ -6,8 +6,8 @@
 /// A network mask: an address that admits only what passes the mask rule. Texts, numbers and
 /// comparisons are those of `TqIpAddress`.
 ///
-/// The rule looks at bits 0 to 30: above a 1 there is no 0. Two things about it are deliberate: bit
-/// 31 is never looked at, so 0x7FFFFF00 is a mask; and 0xFFFFFFFF is none.
+/// The rule looks at bits 0 to 30: above a 1 there is no 0. Bit 31 is never looked at, so
+/// 0x7FFFFF00 is a mask; and 0xFFFFFFFF is none. Configurations were written against both.
 ///
 ///     0, 0x80000000, 0xFFFFFF00, 0xFFFFFFFE, 0x7FFFFFFF masks;  0xFFFFFFFF, 1, 0xFF00FF00 none
 ///
@@ -17,8 +17,8 @@ public:
     /// Address 0, not valid.
     TqNetworkMask();
 
-    /// Deliberately unlike `fromUInt32`, the number is kept even when it is no mask; `valid` says
-    /// whether it is one.
+    /// Unlike with `fromUInt32`, the number is kept even when it is no mask; `valid` says whether
+    /// it is one.
     TqNetworkMask(unsigned long number);
 
     TqNetworkMask(const TqNetworkMask& other);

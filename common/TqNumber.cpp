@@ -2,24 +2,24 @@
 
 #include <cstring>
 
-#include "TqPrivate.h"
 #include "TqString.h"
+#include "internal/TqDigits.h"
+#include "internal/TqPrivate.h"
 
 namespace {
 
 const char sourceName[] = "TqNumber";
 
-// The whole vocabulary of true words, kept exactly: configurations in the field use each of them.
-const char* const trueWords[] = {"T", "Y", "On", "Yes", "One", "True", "Open", "Enable", "Enabled"};
+const short ownTypeId = 2;
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
+// The whole vocabulary of true words: stored configurations use each of them, and a word more would
+// turn a 0 of theirs into a 1.
+const char* const trueWords[] = {"T", "Y", "On", "Yes", "One", "True", "Open", "Enable", "Enabled"};
 
 int ParseDigits(const char* digits, bool negative) {
     // Unsigned, so that the wrap-around at 32 bits is defined.
     unsigned int value = 0;
-    for (; IsDigit(*digits); ++digits)
+    for (; TqIsDigit(*digits); ++digits)
         value = value * 10 + static_cast<unsigned int>(*digits - '0');
     return static_cast<int>(negative ? 0u - value : value);
 }
@@ -33,7 +33,7 @@ bool IsTrueWord(const char* text) {
 
 }  // namespace
 
-short TqNumber::typeId = 2;
+short TqNumber::typeId = ownTypeId;
 
 TqNumber::TqNumber(int number) : value(number) {}
 
@@ -45,7 +45,7 @@ TqNumber& TqNumber::operator=(const TqNumber& other) {
 }
 
 short TqNumber::TypeId() const {
-    return 2;
+    return ownTypeId;
 }
 
 TqDataType* TqNumber::Clone() const {
@@ -60,7 +60,7 @@ void TqNumber::ToString(TqString& out) const {
 void TqNumber::FromString(const char* text) {
     const bool negative = *text == '-';
     if (negative || *text == '+') ++text;
-    value = IsDigit(*text) ? ParseDigits(text, negative) : IsTrueWord(text);
+    value = TqIsDigit(*text) ? ParseDigits(text, negative) : IsTrueWord(text);
 }
 
 void TqNumber::ToBuffer(TqBuffer& out) const {
@@ -76,7 +76,7 @@ void TqNumber::FromBuffer(TqBuffer& in) {
 }
 
 int TqNumber::Compare(const TqDataType& other) const {
-    TQ_REPORT_IF(other.TypeId() != 2);
+    TQ_REPORT_IF(other.TypeId() != ownTypeId);
     return TqWrappedDifference(value, TqTakenAs<TqNumber>(other).value);
 }
 

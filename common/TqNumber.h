@@ -35,8 +35,8 @@ public:
     /// Reads a string item and parses its text with `FromString`; an incomplete item gives 0.
     void FromBuffer(TqBuffer& in) override;
 
-    /// The plain difference of the two values, wrapping around at 32 bits: deliberately without a
-    /// guard, so 2147483647 compares as less than -1. Another type id than 2 is reported.
+    /// The plain difference of the two values, wrapping around at 32 bits, so that 2147483647
+    /// compares as less than -1. Another type id than 2 is reported.
     int Compare(const TqDataType& other) const override;
 
     /// Whether `operator int` of `other` gives this value. Another type is reported.

@@ -2,14 +2,13 @@
 
 #include <cstdlib>
 
-#include "TqPrivate.h"
 #include "TqString.h"
+#include "internal/TqDigits.h"
+#include "internal/TqPrivate.h"
 
 namespace {
 
 const char sourceName[] = "TqSnmpOid";
-
-const unsigned int internalCapacity = 16;
 
 const unsigned int dorvaneSubtree[] = {1, 3, 6, 1, 4, 1, 61999};
 const unsigned int malvickSubtree[] = {1, 3, 6, 1, 4, 1, 61999, 1};
@@ -29,7 +28,7 @@ unsigned int* HeapBlock(TqSnmpOid& oid) {
 void UseInternalValues(TqSnmpOid& oid) {
     oid.values = oid.internalValues;
     oid.count = 0;
-    oid.capacity = internalCapacity;
+    oid.capacity = TqSnmpOid::maxInternalValues;
 }
 
 void AppendAll(TqSnmpOid& oid, const unsigned long* numbers, unsigned int count) {
@@ -41,17 +40,13 @@ unsigned int SmallestMultiple(unsigned int step, unsigned int needed) {
     return step * (needed / step + (needed % step != 0));
 }
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 void Parse(TqSnmpOid& oid, const char* text) {
     if (*text == '\0') return;
-    TQ_REPORT_IF(!IsDigit(*text));
+    TQ_REPORT_IF(!TqIsDigit(*text));
     // Append keeps the low 32 bits: those of a number that wraps around at 32 bits.
     unsigned long number = 0;
     for (; *text != '\0'; ++text) {
-        if (IsDigit(*text)) {
+        if (TqIsDigit(*text)) {
             number = number * 10 + static_cast<unsigned long>(*text - '0');
             continue;
         }
@@ -62,7 +57,8 @@ void Parse(TqSnmpOid& oid, const char* text) {
     oid.Append(number);
 }
 
-bool BeginsWith(const TqSnmpOid& oid, const unsigned int* subtree, unsigned int count) {
+template <unsigned int count>
+bool BeginsWith(const TqSnmpOid& oid, const unsigned int (&subtree)[count]) {
     if (oid.count < count) return false;
     for (unsigned int i = 0; i < count; ++i) {
         if (oid.values[i] != subtree[i]) return false;
@@ -88,8 +84,8 @@ TqSnmpOid::TqSnmpOid(const unsigned long* numbers, unsigned int n) : internalVal
 TqSnmpOid::TqSnmpOid(const TqSnmpOid& other) : TqDataType(other), internalValues() {
     UseInternalValues(*this);
     count = other.count;
-    if (count > internalCapacity) {
-        capacity = SmallestMultiple(internalCapacity, count);
+    if (count > TqSnmpOid::maxInternalValues) {
+        capacity = SmallestMultiple(TqSnmpOid::maxInternalValues, count);
         values = NewBlock(capacity);
     }
     TqCopyBytes(values, other.values, BytesOf(count));
@@ -155,7 +151,7 @@ void TqSnmpOid::IncrementTableRow() {
 
 bool TqSnmpOid::SameTable(const TqSnmpOid& other) const {
     if (other.count < count) return false;
-    // The first sub-identifier is left out, deliberately.
+    // Not the first: walks are told to go on by identifiers of which it was never set.
     for (unsigned int i = 1; i < count; ++i) {
         if (values[i] != other.values[i]) return false;
     }
@@ -163,11 +159,11 @@ bool TqSnmpOid::SameTable(const TqSnmpOid& other) const {
 }
 
 bool TqSnmpOid::IsDorvane() const {
-    return BeginsWith(*this, dorvaneSubtree, 7);
+    return BeginsWith(*this, dorvaneSubtree);
 }
 
 bool TqSnmpOid::IsMalvick() const {
-    return BeginsWith(*this, malvickSubtree, 8);
+    return BeginsWith(*this, malvickSubtree);
 }
 
 short TqSnmpOid::TypeId() const {
@@ -183,7 +179,7 @@ void TqSnmpOid::ToString(TqString& out) const {
     out = "";
     for (unsigned int i = 0; i < count; ++i) {
         if (i != 0) out.AppendChar('.');
-        // As a signed number, deliberately: agents in the field parse the large ones that way.
+        // As a signed number: the peers of these texts parse the large ones that way.
         out.AppendNumber(static_cast<int>(values[i]));
     }
 }
@@ -193,7 +189,7 @@ void TqSnmpOid::FromString(const char* text) {
     Parse(*this, text);
 }
 
-// Deliberately empty, like FromBuffer: identifiers travel in packets of their own protocol only.
+// Empty, like FromBuffer: identifiers travel in packets of their own protocol only.
 void TqSnmpOid::ToBuffer(TqBuffer&) const {}
 
 void TqSnmpOid::FromBuffer(TqBuffer&) {}

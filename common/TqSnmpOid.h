@@ -70,7 +70,7 @@ public:
     void IncrementTableRow();
 
     /// Whether `other` lies at or below this identifier, the first sub-identifier left out of
-    /// account, deliberately. Shorter ones do not; below an identifier of up to one, all others do.
+    /// account. Shorter ones do not; below an identifier of up to one, all others do.
     /// With a table or entry here and a row there it tells whether a walk is still in the table.
     ///
     ///     "1.3.6.1" with "1.3.6.1.5" or "9.3.6.1.5": true;  with "1.3.6": false
@@ -86,9 +86,9 @@ public:
     short TypeId() const override;
     TqDataType* Clone() const override;
 
-    /// The numbers with dots between them; nothing for an empty identifier. Deliberately, one of
-    /// 2147483648 and more is written as a negative number ("1.-2147483647" for 1.2147483649;
-    /// 2147483648 as "-0"), so such a text does not read back.
+    /// The numbers with dots between them; nothing for an empty identifier. One of 2147483648 and
+    /// more is written as a negative number ("1.-2147483647" for 1.2147483649; 2147483648 as "-0"),
+    /// so such a text does not read back.
     void ToString(TqString& out) const override;
 
     /// Parses `text` into the present storage.

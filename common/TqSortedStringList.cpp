@@ -1,7 +1,8 @@
 #include "TqSortedStringList.h"
 
-#include "TqPrivate.h"
 #include "TqString.h"
+#include "internal/TqPrivate.h"
+#include "internal/TqSlots.h"
 
 namespace {
 
@@ -17,8 +18,8 @@ bool IsGreater(const TqString& a, const TqString& b) {
 
 // Where `s` belongs.
 unsigned int PlaceOf(const TqString& s, const TqSortedStringList& list) {
-    // Sixteen bits, deliberately: the search is linear, and a list that would need more is one for
-    // which this class was not made.
+    // Sixteen bits: the search is linear, and a list that would need more is one for which this
+    // class was not made.
     for (unsigned short index = 1; index <= list.count; ++index) {
         if (IsGreater(*StringIn(list, index), s)) return index;
     }
@@ -34,7 +35,8 @@ TqSortedStringList::TqSortedStringList(const TqSortedStringList& other) : TqBase
 }
 
 TqSortedStringList& TqSortedStringList::operator=(const TqSortedStringList& other) {
-    // No report, unlike the copy constructor: deliberate.
+    // No report, unlike the copy constructor: applications hand a list over by assigning it and
+    // then empty the other one.
     TqBaseList::operator=(other);
     return *this;
 }
@@ -49,18 +51,12 @@ TqString* TqSortedStringList::Add(TqString* s) {
 }
 
 TqString* TqSortedStringList::RemoveItem(unsigned int index) {
-    TQ_REPORT_IF(index == 0 || index > count);
-    if (index > count) return nullptr;
-    TqString* s = slots != nullptr ? StringIn(*this, index) : nullptr;
-    // Index 0 is removed like any other, deliberately: the first string drops out of the list.
-    RemoveSlot(index);
-    return s;
+    TQ_REPORT_IF(!TqIsSlot(*this, index));
+    return static_cast<TqString*>(TqTakeOut(*this, index));
 }
 
 TqString* TqSortedStringList::RemoveItem(TqString* s) {
     TQ_REPORT_IF(s == nullptr);
-    for (unsigned int i = 1; i <= count; ++i) {
-        if (slots[i] == s) return RemoveItem(i);
-    }
-    return nullptr;
+    const unsigned int index = TqPlaceOf(*this, s);
+    return index == 0 ? nullptr : static_cast<TqString*>(TqTakeOut(*this, index));
 }

@@ -23,7 +23,7 @@ public:
     /// A complete copy, and a report: two lists now claim the same strings.
     TqSortedStringList(const TqSortedStringList& other);
 
-    /// Takes over the strings of `other`: deliberately, unlike the copy, without a report.
+    /// Takes over the strings of `other`, unlike the copy without a report.
     TqSortedStringList& operator=(const TqSortedStringList& other);
 
     ~TqSortedStringList() override;
@@ -33,9 +33,9 @@ public:
     TqString* Add(TqString* s);
 
     /// Removes slot `index` and returns the string that was in it. An index above `count` is
-    /// reported, gives null and removes nothing. Index 0 is reported, gives null and, deliberately,
-    /// still removes "slot 0": the first string drops out of the numbered slots, and the `count` of
-    /// an empty list wraps around.
+    /// reported, gives null and removes nothing. Index 0 is reported, gives null and still removes
+    /// "slot 0": the first string drops out of the numbered slots, and the `count` of an empty list
+    /// wraps around.
     TqString* RemoveItem(unsigned int index);
 
     /// Removes the slot that holds this very object and returns it; null when none does, even if

@@ -5,16 +5,19 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "TqItem.h"
-#include "TqPrivate.h"
+#include "internal/TqItem.h"
+#include "internal/TqPrivate.h"
 
 namespace {
 
 const char sourceName[] = "TqString";
 
+const short ownTypeId = 1;
+
 const unsigned int internalCapacity = 32;
 
-// The constructors keep one character less inside than SetValue does; both are deliberate.
+// The constructors keep one character less inside than SetValue does. Applications read `capacity`,
+// and a string of 32 characters tells by it how it was made.
 const unsigned int constructedInside = 31;
 
 bool IsInternal(const TqString& string) {
@@ -107,7 +110,7 @@ void AppendText(TqString& string, const char* text, unsigned int count) {
 
 }  // namespace
 
-short TqString::typeId = 1;
+short TqString::typeId = ownTypeId;
 
 TqString::TqString(const char* text) {
     if (text == nullptr) text = "";
@@ -229,8 +232,8 @@ int TqString::StringICompare(const char* a, const char* b) {
 }
 
 TqString& TqString::TrimLeadingWS() {
-    // Reading the internal area whatever `data` points at is deliberate. A string that has left it
-    // may have anything there, so the area gets an end of its own.
+    // Trims are for texts held inside and look there whatever `data` points at. A string that has
+    // left may have anything there, so the area gets an end of its own.
     if (!IsInternal(*this)) internalData[sizeof internalData - 1] = '\0';
     unsigned int count = 0;
     while (count < length && IsSpace(internalData[count])) ++count;
@@ -240,7 +243,8 @@ TqString& TqString::TrimLeadingWS() {
 
 TqString& TqString::TrimTrailingWS() {
     if (length > sizeof internalData) return *this;
-    // The length is not changed, deliberately: what is removed turns into NULs inside it.
+    // The length stays: an item written after a trim is as long as its field was before, and
+    // readers of fixed fields count on that.
     for (unsigned int i = length; i > 0 && IsSpace(internalData[i - 1]); --i) {
         internalData[i - 1] = '\0';
     }
@@ -248,7 +252,7 @@ TqString& TqString::TrimTrailingWS() {
 }
 
 short TqString::TypeId() const {
-    return 1;
+    return ownTypeId;
 }
 
 TqDataType* TqString::Clone() const {
@@ -273,7 +277,7 @@ void TqString::FromBuffer(TqBuffer& in) {
 }
 
 int TqString::Compare(const TqDataType& other) const {
-    TQ_REPORT_IF(other.TypeId() != 1);
+    TQ_REPORT_IF(other.TypeId() != ownTypeId);
     return std::strcmp(data, TqTakenAs<TqString>(other).data);
 }
 

@@ -39,7 +39,7 @@ public:
     TqString& operator=(const char* text);
 
     /// Calls `Clear`, then takes `count` characters: inside up to 32 (one more than the
-    /// constructors keep there, deliberately), else in a heap block with `capacity` `count + 1`.
+    /// constructors keep there), else in a heap block with `capacity` `count + 1`.
     /// Copying stops at a NUL in `text` and fills up with NULs; `length` is `count` all the same.
     /// A null `text` or a `count` of 0 leaves the string empty.
     void SetValue(const char* text, unsigned int count);

@@ -11,7 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "TqPrivate.h"
+#include "internal/TqPrivate.h"
 
 namespace {
 
@@ -28,8 +28,8 @@ const unsigned int headerLength = 4;
 const unsigned int blockLength = 512;
 const unsigned int packetLength = headerLength + blockLength;
 
-// Zero before the first transfer, the descriptor too, deliberately: the state needs no initialiser,
-// and a close before any open closes descriptor 0.
+// Zero before the first transfer, the descriptor too: the state then needs no initialiser at load
+// time. The header warns of what closing does as long as that is so.
 struct Transfer {
     int descriptor;
     sockaddr_in server;
@@ -130,7 +130,8 @@ unsigned int ResendIfExpired() {
 }
 
 // Waits whole seconds only, so that the last one of every time-out is no wait at all. Whatever
-// select says, the caller then receives, which blocks; both are deliberate.
+// select says, the caller then receives, which blocks: applications pace the client with a signal,
+// and a receive that did not wait would turn theirs into a busy loop.
 void WaitForDatagram(unsigned int left) {
     fd_set readable;
     FD_ZERO(&readable);
@@ -166,7 +167,8 @@ enum Meaning { nextBlock, repeatedBlock, serverError, violation };
 
 // The length is checked before the content. A datagram longer than the buffer still counts as an
 // error packet when it is one, but never as a block. Block numbers do not wrap around, so the block
-// after number 65535 is a violation, deliberately.
+// after number 65535 is a violation: a server that starts again at 0 or 1 would otherwise be taken
+// for one that repeats, and the file would be cut or doubled.
 Meaning MeaningOf(std::size_t length) {
     if (length < headerLength) return violation;
     const unsigned int opcode = GetNumber(transfer.received);
@@ -229,8 +231,8 @@ unsigned int TFTP_open(void* request) {
     const TFTP_OPEN_STRUCT& wanted = *static_cast<const TFTP_OPEN_STRUCT*>(request);
     const int descriptor = NewSocket();
     if (descriptor < 0) return TFTP_NO_SOCKET;
-    // A transfer that was never closed loses its descriptor here, deliberately: closing it could
-    // close the standard input of a process that has not opened anything yet.
+    // A transfer that was never closed loses its descriptor here: before the first transfer it is
+    // 0, and closing that would close the standard input of a process that has opened nothing yet.
     ReleaseRequest();
     transfer.descriptor = descriptor;
     const int bound = BindAnywhere();
@@ -249,8 +251,9 @@ unsigned int TFTP_open(void* request) {
 unsigned char* TFTP_read(unsigned int* length) {
     // As after a failed receive: nobody sent anything, so nobody gets an answer.
     if (transfer.descriptor < 0) return Fail(TFTP_VIOLATION, length);
-    // The time between two reads is the caller's, so the first wait of a read is never a sample. In
-    // effect no wait is, deliberately: peers know the pace that follows from it.
+    // The time between two reads is the caller's, so the first wait of a read is never a sample;
+    // and since every read restarts, none ever is. Servers are tuned to the pace that follows from
+    // it.
     TFTP_timeout_restart(&transfer.timeout);
     for (;;) {
         WaitForDatagram(ResendIfExpired());

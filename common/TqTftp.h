@@ -24,7 +24,7 @@
 /// printed to standard output in one line.
 ///
 /// Every call blocks. Once the time-out has run out without a datagram, the receive waits without
-/// an end, deliberately: nothing is sent again until some datagram arrives or a signal interrupts
+/// an end: nothing is sent again until some datagram arrives or a signal interrupts
 /// the receive. An application that wants lost packets to be recovered has a signal delivered
 /// periodically, with a handler that was installed without SA_RESTART; there is no limit on the
 /// number of resends.
@@ -70,8 +70,8 @@ TQ_API unsigned int TFTP_eof();
 /// Ends the transfer and releases what it holds. A failed `TFTP_read` or `TFTP_open` has done so.
 /// Returns the result of closing the socket, 0 as a rule; `TFTP_NOT_OPEN` when there is none.
 ///
-/// Before the first `TFTP_open` the descriptor is 0, deliberately: closing, or a failing read, then
-/// closes the process's descriptor 0, its standard input as a rule.
+/// Before the first `TFTP_open` the descriptor is 0: closing, or a failing read, then closes the
+/// process's descriptor 0, its standard input as a rule.
 TQ_API unsigned int TFTP_close();
 
 /// Error packets, ready to be sent: opcode 5, a code, a text, and zeros up to 34 bytes. The client

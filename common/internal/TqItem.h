@@ -2,8 +2,8 @@
 #define TQ_ITEM_H
 
 // The item, the one form in which values lie in a byte buffer: five ASCII digits with the length of
-// the payload, then the payload. Shared by the string and the byte buffer, through which every
-// other type encodes itself; not installed.
+// the payload, then the payload. It belongs to the byte buffer, whose source defines it; the
+// string, through which every other type encodes itself, uses it too.
 
 class TqBuffer;
 

@@ -1,14 +1,14 @@
 #ifndef TQ_PRIVATE_H
 #define TQ_PRIVATE_H
 
-// What the library's sources share among themselves; not installed.
+// What the library's sources share among themselves.
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
-#include "TqDataType.h"
-#include "TqHooks.h"
+#include "../TqDataType.h"
+#include "../TqHooks.h"
 
 /// Reports a broken precondition and goes on. The source that uses it names itself in `sourceName`,
 /// so that a report carries no path of the machine that built the library.
@@ -24,27 +24,22 @@ inline void TqClearForGood(T& field) {
     *const_cast<volatile T*>(&field) = T();
 }
 
-/// `other` as a T, whatever it is. The value types report a value of another type and then,
-/// deliberately, go on as though it were of their own.
+/// `other` as a T, whatever it is. The value types report a value of another type and then go on as
+/// though it were of their own: applications that mix related types count on the result.
 template <class T>
-__attribute__((no_sanitize("vptr"))) inline const T& TqTakenAs(const TqDataType& other) {
+TQ_READS_ANY_OBJECT inline const T& TqTakenAs(const TqDataType& other) {
     return static_cast<const T&>(other);
 }
 
 /// A field of `other` taken as a T. For a T that has relatives with another field in its place: a
 /// sanitizer lets only this function read it.
 template <class T, class Field>
-__attribute__((no_sanitize("vptr"))) inline Field TqFieldTakenAs(const TqDataType& other,
-                                                                 Field T::*field) {
+TQ_READS_ANY_OBJECT inline Field TqFieldTakenAs(const TqDataType& other, Field T::*field) {
     return static_cast<const T&>(other).*field;
 }
 
-/// Marks what looks at an object to see whether it is one: the undefined-behaviour sanitizer must
-/// not ask that first.
-#define TQ_LOOKS_AT_THE_DEAD __attribute__((no_sanitize("vptr")))
-
-/// Marks what reads a shared field before it takes the lock, as the order of its checks demands: the
-/// thread sanitizer must not take the read for a mistake.
+/// Marks what reads a shared field before it takes the lock, as the order of its checks demands:
+/// the thread sanitizer must not take the read for a mistake.
 #define TQ_READS_UNLOCKED __attribute__((no_sanitize("thread")))
 
 /// a - b, wrapping around at 32 bits.
