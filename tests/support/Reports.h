@@ -14,4 +14,7 @@ using Reports = std::vector<std::string>;
 /// The file names reported since the last call, oldest first, and forgets them.
 Reports TakeReports();
 
+/// Has every test run with that hook. Called once, by `main`.
+void CollectReports();
+
 #endif
