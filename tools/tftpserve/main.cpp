@@ -1,21 +1,11 @@
 // tftpserve: serves the files below a directory by TFTP on loopback, by itself or for the time that
-// another program runs:
-//
-//     tftpserve [-n] DIRECTORY [COMMAND [ARGUMENT...]]
-//
-// With -n all this happens in a network of its own, where port 69 can be had without being root.
-// The command finds the server at 127.0.0.1 as soon as it starts, and its exit status is the
-// server's.
-
-#include <signal.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
+// another program runs. The usage text below says how.
 
 #include <cstdio>
 #include <cstring>
 #include <exception>
 
+#include "Command.h"
 #include "OwnNetwork.h"
 #include "TftpServer.h"
 
@@ -23,16 +13,22 @@ namespace {
 
 const Endpoint address = {INADDR_LOOPBACK, 69};
 
-// Leaves a child behind that serves as long as this process lives.
-void ServeInBackground(TftpServer& server) {
-    const pid_t parent = getpid();
-    if (fork() != 0) return;
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != parent) _exit(1);
-    while (true) server.Serve(60000);
-}
+const char usage[] =
+    "usage: tftpserve [-n] DIRECTORY [COMMAND [ARGUMENT...]]\n"
+    "Serves the files below DIRECTORY by TFTP at 127.0.0.1, port 69; with COMMAND for as long as\n"
+    "that runs. Links out of DIRECTORY are not followed.\n"
+    "\n"
+    "  -n      do all this in a network of its own, where the port can be had without being root\n"
+    "  --help  show this, and exit\n"
+    "\n"
+    "A signal that ends tftpserve is passed on to the command, which has two seconds to end.\n"
+    "\n"
+    "Exit status: the command's, or 128 plus the number of the signal that ended it; 127 when it\n"
+    "cannot be started; 1 when there is nothing to serve or no port to serve it at; 2 when the\n"
+    "command line is wrong.\n";
 
 int Run(bool hasOwnNetwork, const char* directory, char** command) {
+    TftpServer::CheckDirectory(directory);
     if (hasOwnNetwork) {
         const std::string problem = EnterOwnNetwork();
         if (!problem.empty()) {
@@ -43,24 +39,23 @@ int Run(bool hasOwnNetwork, const char* directory, char** command) {
     TftpServer::Settings settings;
     settings.directory = directory;
     TftpServer server(UdpSocket(address), settings);
-    if (command[0] == nullptr) {
-        std::printf("serving %s at %s\n", directory, ToText(address).c_str());
-        std::fflush(stdout);
-        while (true) server.Serve(60000);
-    }
-    ServeInBackground(server);
-    execvp(command[0], command);
-    std::fprintf(stderr, "tftpserve: %s: %s\n", command[0], std::strerror(errno));
-    return 127;
+    if (command[0] != nullptr) return ServeCommand(server, command);
+    std::printf("serving %s at %s\n", directory, ToText(address).c_str());
+    std::fflush(stdout);
+    while (true) server.Serve(60000);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (argc > 1 && std::strcmp(argv[1], "--help") == 0) {
+        std::fputs(usage, stdout);
+        return 0;
+    }
     const bool hasOwnNetwork = argc > 1 && std::strcmp(argv[1], "-n") == 0;
     char** arguments = argv + (hasOwnNetwork ? 2 : 1);
-    if (arguments[0] == nullptr || arguments[0][0] == '-') {
-        std::fprintf(stderr, "usage: tftpserve [-n] DIRECTORY [COMMAND [ARGUMENT...]]\n");
+    if (argc < 2 || arguments[0] == nullptr || arguments[0][0] == '-') {
+        std::fputs(usage, stderr);
         return 2;
     }
     try {
