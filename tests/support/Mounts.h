@@ -1,0 +1,11 @@
+#ifndef MOUNTS_H
+#define MOUNTS_H
+
+/// Mounts are this process's own from here on. False where that is not allowed.
+bool EnterOwnMounts();
+
+/// Takes /proc/self/fd away from this process and the program that it becomes, in mounts of its
+/// own: files without a name then cannot get one.
+bool HideDescriptors();
+
+#endif
