@@ -53,6 +53,7 @@ protected:
     Program::Settings InDirectory() const {
         Program::Settings settings;
         settings.directory = directory.Path();
+        settings.prepare = [] { ProtectDevices(); };
         return settings;
     }
 
@@ -64,7 +65,10 @@ protected:
     Program::Result FetchAfter(const std::function<void()>& prepare,
                                const std::vector<std::string>& words) const {
         Program::Settings settings = InDirectory();
-        settings.prepare = prepare;
+        settings.prepare = [&prepare] {
+            ProtectDevices();
+            prepare();
+        };
         return RunProgram(Built(TQFETCH, words), settings);
     }
 
@@ -74,6 +78,9 @@ protected:
         int status = 1;
         return child.Wait(60000, status) && status == 0;
     }
+
+    // Whether a faulty tool could replace a device of the machine here.
+    static bool AreDevicesInDanger() { return access("/dev", W_OK) == 0 && !Works(ProtectDevices); }
 
     // The line that tells of a failed transfer.
     static std::string Told(const std::string& what, const std::string& file = "motd") {
@@ -281,6 +288,7 @@ private:
 
 TEST_F(Tqfetch, ADeviceIsWrittenToAndNotReplaced) {
     if (!Program::MayHaveTerminal()) GTEST_SKIP() << "no pseudo-terminals here";
+    if (AreDevicesInDanger()) GTEST_SKIP() << "no mount namespace of its own";
     WriteFile(served.Path("motd"), "new");
     const Child server = Serve();
     const OwnTerminal terminal;
@@ -335,6 +343,7 @@ protected:
         Tqfetch::SetUp();
         if (IsSkipped()) return;
         if (access("/dev/stdout", F_OK) != 0) GTEST_SKIP() << "no /dev/stdout here";
+        if (AreDevicesInDanger()) GTEST_SKIP() << "no mount namespace of its own";
         WriteFile(served.Path("motd"), "hello");
         ASSERT_EQ(symlink("/dev/stdout", directory.Path("link").c_str()), 0);
         ASSERT_EQ(symlink("./link", directory.Path("further").c_str()), 0);
@@ -938,16 +947,22 @@ TEST_F(TqfetchTerminal, ShowsProgress) {
     EXPECT_FALSE(Contains(result.output, "select"));
 }
 
+TEST_F(TqfetchTerminal, ShowsNothingOnATerminalThatTakesTheFile) {
+    if (AreDevicesInDanger()) GTEST_SKIP() << "no mount namespace of its own";
+    WriteFile(served.Path("motd"), "hello");
+    const Child server = Serve();
+    for (const char* target : {"-", "/dev/stdout", "/dev/tty"}) {
+        const std::vector<std::string> words = {"-o", target, HostName(), "motd"};
+        EXPECT_EQ(RunProgram(Built(TQFETCH, words), OnTerminal()).output, "hello") << target;
+    }
+}
+
 TEST_F(TqfetchTerminal, ShowsNothingWhenAskedForQuietOrPiped) {
     WriteFile(served.Path("motd"), "hello");
     const Child server = Serve();
     Program::Settings terminal = OnTerminal();
     EXPECT_EQ(RunProgram(Built(TQFETCH, {"-q", HostName(), "motd"}), terminal).output, "");
     EXPECT_EQ(RunProgram(Built(TQFETCH, {"--quiet", HostName(), "motd"}), terminal).output, "");
-    for (const char* target : {"-", "/dev/stdout", "/dev/tty"}) {
-        const std::vector<std::string> words = {"-o", target, HostName(), "motd"};
-        EXPECT_EQ(RunProgram(Built(TQFETCH, words), terminal).output, "hello") << target;
-    }
     // Either output may be piped.
     Program::Settings piped = OnTerminal();
     piped.prepare = [] { dup2(open("out", O_WRONLY | O_CREAT | O_CLOEXEC, 0600), STDOUT_FILENO); };

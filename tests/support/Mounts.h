@@ -8,4 +8,8 @@ bool EnterOwnMounts();
 /// own: files without a name then cannot get one.
 bool HideDescriptors();
 
+/// Lets nobody add, remove or replace anything in /dev, in mounts of this process's own. What runs
+/// as root with the name of a device as its target may have a fault.
+bool ProtectDevices();
+
 #endif
