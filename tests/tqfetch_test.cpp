@@ -1094,7 +1094,7 @@ TEST_F(Tqfetch, AStoppedFetchGoesOn) {
     for (const int number : {SIGTSTP, SIGTTIN, SIGTTOU, SIGSTOP}) {
         int halfWay = -1;
         const Child server = AnswerWithOneBlock(halfWay);
-        Program program(Built(TQFETCH, {"-t", "2", HostName(), "motd"}), InDirectory());
+        Program program(Built(TQFETCH, {"-t", "1", HostName(), "motd"}), InDirectory());
         AwaitByte(halfWay);
         program.Signal(number);
         program.Signal(SIGCONT);
