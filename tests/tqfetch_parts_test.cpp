@@ -122,9 +122,9 @@ TEST(TqfetchMessage, IsWrittenWhole) {
     ErrorPipe errors;
     WriteWithin(0, "", 0);
     EXPECT_EQ(errors.Take(), "");
-    const std::string text(10000, 'y');
+    const std::string text = RandomBytes(10000, 8);
     WriteWithin(0, text.data(), text.size());
-    EXPECT_EQ(errors.Take(), text);
+    EXPECT_TRUE(errors.Take() == text);
 }
 
 TEST(TqfetchMessage, IsLostWhereNobodyTakesIt) {
@@ -375,6 +375,12 @@ protected:
         target.Complete();
     }
 
+    bool HasNamelessFiles() const {
+        const int file = open(directory.Path().c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+        if (file >= 0) close(file);
+        return file >= 0;
+    }
+
     // What goes wrong, "" for nothing.
     static std::string ProblemOf(const std::string& file, const std::string& text = "new") {
         try {
@@ -396,13 +402,14 @@ protected:
     const std::string path = directory.Path("file");
 };
 
-TEST_F(TqfetchTarget, AFileIsThereOnceItIsComplete) {
+TEST_F(TqfetchTarget, AFileIsThereOnceItIsCompleteAndHasNoNameBefore) {
     {
         TargetFile target(path);
         EXPECT_FALSE(target.IsTerminal());
         target.Write("text", 4);
         const Names names = NamesNow();
         EXPECT_EQ(std::count(names.begin(), names.end(), "file"), 0);
+        EXPECT_EQ(names.empty(), HasNamelessFiles());
         target.Complete();
     }
     EXPECT_EQ(NamesNow(), Names({"file"}));

@@ -7,6 +7,7 @@
 #include <stdlib.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/select.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
@@ -122,16 +123,20 @@ protected:
         });
     }
 
-    // A server that sends one full block, falls silent and lets the test know. What is read from
-    // the descriptor then is one byte.
-    static Child AnswerWithOneBlock(int& descriptor) {
+    // A server that sends one full block and lets the test know: what is read from the descriptor
+    // then is one byte. Falls silent, or sends the last block a second later.
+    static Child AnswerWithOneBlock(int& descriptor, const Octets& last = Octets()) {
         int ends[2];
         EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
         descriptor = ends[0];
-        Child child =
-            Answer([ends](const UdpSocket& socket, const Endpoint& client, const Octets& datagram) {
+        Child child = Answer(
+            [ends, last](const UdpSocket& socket, const Endpoint& client, const Octets& datagram) {
                 if (datagram[1] == 1) socket.Send(client, Data(1, Octets(512, 'x')));
-                if (datagram[1] == 4 && write(ends[1], "x", 1) != 1) _exit(1);
+                if (datagram != Acknowledgement(1)) return;
+                if (write(ends[1], "x", 1) != 1) _exit(1);
+                if (last.empty()) return;
+                usleep(1000000);
+                socket.Send(client, Data(2, last));
             });
         close(ends[1]);
         return child;
@@ -1080,26 +1085,34 @@ TEST_F(Tqfetch, AFileThatHasANameGoesWhenThePatienceEnds) {
     EXPECT_EQ(directory.Names(), Names());
 }
 
-TEST_F(Tqfetch, SignalsThatEndNothingEndNothing) {
-    WriteFile(served.Path("motd"), std::string(5000, 'x'));
-    int halfWay = -1;
-    const Child server = AnswerWithOneBlock(halfWay);
-    Program program(Built(TQFETCH, {"-t", "2", HostName(), "motd"}), InDirectory());
-    AwaitByte(halfWay);
-    for (const int number : {SIGCHLD, SIGURG, SIGWINCH, SIGCONT, SIGALRM}) program.Signal(number);
-    EXPECT_EQ(program.Finish().status, 4);
-}
-
-TEST_F(Tqfetch, AStoppedFetchGoesOn) {
-    for (const int number : {SIGTSTP, SIGTTIN, SIGTTOU, SIGSTOP}) {
+TEST_F(Tqfetch, SignalsThatEndNothingLeaveTheTemporaryFileToo) {
+    if (!Works(HideDescriptors)) GTEST_SKIP() << "no mount namespace of its own";
+    for (const int number : {SIGCHLD, SIGURG, SIGWINCH, SIGALRM, SIGTSTP, SIGTTIN, SIGTTOU}) {
         int halfWay = -1;
-        const Child server = AnswerWithOneBlock(halfWay);
-        Program program(Built(TQFETCH, {"-t", "1", HostName(), "motd"}), InDirectory());
+        const Child server = AnswerWithOneBlock(halfWay, "end");
+        Program::Settings settings = InDirectory();
+        settings.prepare = [] { HideDescriptors(); };
+        Program program(Built(TQFETCH, {HostName(), "motd"}), settings);
         AwaitByte(halfWay);
         program.Signal(number);
         program.Signal(SIGCONT);
-        EXPECT_EQ(program.Finish().status, 4) << number;
+        EXPECT_EQ(program.Finish().status, 0) << number;
+        EXPECT_EQ(ReadFile(directory.Path("motd")), Octets(512, 'x') + "end");
     }
+}
+
+TEST_F(Tqfetch, ASocketThatTheClientCannotUseHasNoReasonOfTheSystems) {
+    rlimit limit;
+    getrlimit(RLIMIT_NOFILE, &limit);
+    if (limit.rlim_max < FD_SETSIZE + 64) GTEST_SKIP() << "not enough descriptors here";
+    const auto prepare = [&limit] {
+        const rlimit many = {FD_SETSIZE + 64, limit.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &many);
+        for (int descriptor = 3; descriptor < FD_SETSIZE; ++descriptor) dup2(0, descriptor);
+    };
+    const Program::Result result = FetchAfter(prepare, {HostName(), "motd"});
+    EXPECT_EQ(result.status, 6);
+    EXPECT_EQ(result.errors, Told("the socket could not be created"));
 }
 
 TEST_F(Tqfetch, AHangupThatTheParentIgnoredStaysIgnored) {
@@ -1200,7 +1213,7 @@ TEST_F(Tqfetch, TellsItsVersion) {
     for (const char* word : {"-V", "--version"}) {
         const Program::Result result = Fetch({word});
         EXPECT_EQ(result.status, 0);
-        EXPECT_EQ(result.output, "tqfetch 1.0.0\n");
+        EXPECT_EQ(result.output, "tqfetch " TQFETCH_VERSION "\n");
         EXPECT_EQ(result.errors, "");
     }
 }

@@ -29,7 +29,7 @@ const char help[] =
     "  -h, --help                 print this\n"
     "  -V, --version              print the version\n";
 
-const char version[] = "tqfetch " TQFETCH_VERSION "\n";
+const char version[] = "tqfetch 1.0.0\n";
 
 const unsigned int longestTime = 24 * 60 * 60;
 
