@@ -37,6 +37,7 @@ struct Transfer {
     unsigned char* request;  // until the first block has come
     unsigned int requestLength;
     unsigned char received[packetLength];
+    unsigned int errorLength;  // of the text, once an error packet is what was received last
     unsigned int endOfFile;
     TFTP_TO_STRUCT timeout;
 };
@@ -185,6 +186,11 @@ unsigned char* Fail(unsigned int result, unsigned int* length) {
     return nullptr;
 }
 
+void KeepErrorText(std::size_t received) {
+    const std::size_t kept = received < packetLength ? received : packetLength;
+    transfer.errorLength = static_cast<unsigned int>(kept) - headerLength;
+}
+
 unsigned char* AcceptBlock(const sockaddr_in& sender, unsigned int received, unsigned int* length) {
     TFTP_timeout_update(&transfer.timeout);
     if (AcknowledgedBlock() == 0) {
@@ -229,6 +235,7 @@ const unsigned char _tftp_error_tid[34] = "\0\5\0\5Invalid TID";
 
 unsigned int TFTP_open(void* request) {
     const TFTP_OPEN_STRUCT& wanted = *static_cast<const TFTP_OPEN_STRUCT*>(request);
+    transfer.errorLength = 0;
     const int descriptor = NewSocket();
     if (descriptor < 0) return TFTP_NO_SOCKET;
     // A transfer that was never closed loses its descriptor here: before the first transfer it is
@@ -270,6 +277,7 @@ unsigned char* TFTP_read(unsigned int* length) {
                 SendAcknowledgement();
                 break;
             case serverError:
+                KeepErrorText(static_cast<std::size_t>(received));
                 return Fail(TFTP_SERVER_ERROR + GetNumber(transfer.received + 2), length);
             case violation:
                 Send(sender, _tftp_error_op, sizeof _tftp_error_op);
@@ -280,6 +288,11 @@ unsigned char* TFTP_read(unsigned int* length) {
 
 unsigned int TFTP_eof() {
     return transfer.endOfFile;
+}
+
+const unsigned char* TFTP_error_text(unsigned int* length) {
+    *length = transfer.errorLength;
+    return transfer.received + headerLength;
 }
 
 unsigned int TFTP_close() {

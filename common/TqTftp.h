@@ -67,6 +67,11 @@ TQ_API unsigned char* TFTP_read(unsigned int* length);
 /// before the first one.
 TQ_API unsigned int TFTP_eof();
 
+/// The server's own words in the error packet that ended the last transfer, with their number in
+/// `length`; none when it ended in another way or goes on. They are as they came, up to 512 bytes
+/// that may hold anything and need not end with a NUL, and are valid until the next `TFTP_open`.
+TQ_API const unsigned char* TFTP_error_text(unsigned int* length);
+
 /// Ends the transfer and releases what it holds. A failed `TFTP_read` or `TFTP_open` has done so.
 /// Returns the result of closing the socket, 0 as a rule; `TFTP_NOT_OPEN` when there is none.
 ///

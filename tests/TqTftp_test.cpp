@@ -612,6 +612,39 @@ TEST_F(TqTftp, AnErrorPacketCountsWithoutATextAndWithAnyLength) {
     Play(Accepted(1) + Steps{Sends(Server(), Error(2, std::string(5000, 'x'))), Fails(0x812)});
 }
 
+Octets ErrorText() {
+    unsigned int length = 12345;
+    const unsigned char* const text = TFTP_error_text(&length);
+    return Octets(reinterpret_cast<const char*>(text), length);
+}
+
+TEST_F(TqTftp, TheTextOfTheServersErrorIsThereAsItCame) {
+    Play(Opened() + Steps{Sends(Server(), Error(1, "no such thing")), Fails(0x811), Closes(0x704)});
+    EXPECT_EQ(ErrorText(), Octets("no such thing\0", 14));
+    EXPECT_EQ(ErrorText(), Octets("no such thing\0", 14));
+    Play(Accepted(1) + Steps{Sends(Server(), Octets("\0\5\0\2bare", 8)), Fails(0x812)});
+    EXPECT_EQ(ErrorText(), "bare");
+    Play(Opened() + Steps{Sends(Server(), Octets("\0\5\0\2", 4)), Fails(0x812)});
+    EXPECT_EQ(ErrorText(), "");
+    for (const std::size_t length : {511u, 512u, 513u, 5000u}) {
+        const Octets text(length, 'x');
+        Play(Opened() + Steps{Sends(Server(), Octets("\0\5\0\2", 4) + text), Fails(0x812)});
+        EXPECT_EQ(ErrorText(), text.substr(0, 512)) << length;
+    }
+}
+
+TEST_F(TqTftp, WithoutAServersErrorThereIsNoText) {
+    Play(Opened() + Steps{Sends(Server(), Error(1, "no")), Fails(0x811)});
+    Play(Opened() + Steps{Sends(Server(), Data(7, "what")), Fails(0x814),
+                          Arrives(Server(), IllegalOperation())});
+    EXPECT_EQ(ErrorText(), "");
+    Play(Opened() + Steps{Sends(Server(), Error(1, "no")), Fails(0x811)});
+    const std::string tooLong(70000, 'n');
+    TFTP_OPEN_STRUCT request = RequestOf(tooLong.c_str(), "octet");
+    EXPECT_EQ(TFTP_open(&request), 0x803u);
+    EXPECT_EQ(ErrorText(), "");
+}
+
 TEST_F(TqTftp, AFailedReadReleasesTheSocketAndTheRequest) {
     const std::string name(1900, 'n');
     for (const Octets& datagram : {Error(1, "no"), Octets("abc")}) {

@@ -85,6 +85,28 @@ ssize_t recvfrom(int descriptor, void* bytes, size_t length, int flags, sockaddr
     return systemCalls.recvfrom(descriptor, bytes, length, flags, address, addressLength);
 }
 
+int stat(const char* path, struct stat* status) noexcept {
+    REAL(stat);
+    const Replacement replacement;
+    if (!systemCalls.stat || replacement.IsNested()) return real(path, status);
+    return systemCalls.stat(path, status);
+}
+
+int fsync(int descriptor) {
+    REAL(fsync);
+    const Replacement replacement;
+    if (!systemCalls.fsync || replacement.IsNested()) return real(descriptor);
+    return systemCalls.fsync(descriptor);
+}
+
+int clock_gettime(clockid_t clock, timespec* now) noexcept {
+    REAL(clock_gettime);
+    const Replacement replacement;
+    if (!systemCalls.clock_gettime || replacement.IsNested()) return real(clock, now);
+    *now = systemCalls.clock_gettime();
+    return 0;
+}
+
 }  // extern "C"
 
 #ifdef TQ_SANITIZED
