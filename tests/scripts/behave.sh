@@ -10,6 +10,7 @@ cp -r "$1/scripts" "$1/CMakePresets.json" "$room"
 cp "$1/tests/skips.txt" "$room/tests"
 cd "$room" || exit 1
 failed=0
+unset TQ_INSTALL TQ_LIST_SKIPS TQ_PROGRESS_SECONDS
 
 # expect WHAT EXPECTED COMMAND...: what the command prints.
 expect() {
