@@ -1,9 +1,6 @@
 # shellcheck shell=bash disable=SC2034
 # What the scripts share; sourced by bash with the repository as working directory.
 
-# Every preset, in the order of CMakePresets.json.
-presets=$(sed -n 's/^ *{"name": "\([a-z0-9-]*\)", "configurePreset".*/\1/p' CMakePresets.json)
-
 # The Debian packages that a leg needs.
 packages_of() {
     case $1 in
@@ -91,6 +88,12 @@ forbid_services() {
     printf '#!/bin/sh\n%s\nif kill -0 %s 2>/dev/null; then exit 101; fi\n' "$policy_mark" \
         "$installing" | "${sudo[@]}" tee $policy >/dev/null
     "${sudo[@]}" chmod +x $policy
+}
+
+# Every preset, in the order of CMakePresets.json. CMake lists them, and so is installed first.
+list_presets() {
+    need cmake >&2
+    cmake --list-presets=configure | sed -n 's/^ *"\([a-z0-9-]*\)".*/\1/p'
 }
 
 # install PACKAGE...: takes nothing away for it. A server among them is started by tests, where they
