@@ -24,6 +24,12 @@ inline void TqClearForGood(T& field) {
     *const_cast<volatile T*>(&field) = T();
 }
 
+/// Makes what a destructor has assigned to fields of `object` reach the memory, for the same reason
+/// and where the assignment itself is an operation's: link-time optimisation sees through those.
+inline void TqKeepAssigned(const void* object) {
+    __asm__ volatile("" : : "r"(object) : "memory");
+}
+
 /// `other` as a T, whatever it is. The value types report a value of another type and then,
 /// deliberately, go on as though it were of their own.
 template <class T>

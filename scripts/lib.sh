@@ -13,7 +13,8 @@ packages_of() {
         *) echo cmake ninja-build g++ googletest pkg-config tftpd-hpa dnsmasq-base ;;
     esac
     case $1 in
-        dev | clang) echo clang gdb libsnmp-dev ;;
+        dev) echo clang lld gdb libsnmp-dev ;;
+        clang) echo clang gdb libsnmp-dev ;;
         asan) echo libsnmp-dev ;;
         release) echo clang gdb libbenchmark-dev ;;
         coverage) echo gcovr ;;
@@ -31,6 +32,7 @@ tool_of() {
     case $1 in
         ninja-build) echo ninja ;;
         clang) echo clang++ ;;
+        lld) echo ld.lld ;;
         googletest) echo /usr/include/gtest/gtest.h ;;
         qemu-user) echo qemu-ppc ;;
         abigail-tools) echo abidiff ;;
