@@ -11,7 +11,7 @@ const char sourceName[] = "TqBoolean";
 
 short TqBoolean::typeId = 4;
 
-TqBoolean::TqBoolean(int flag) : state(flag) {}
+TqBoolean::TqBoolean(int flag) : state(flag != 0) {}
 
 TqBoolean::TqBoolean(const char* text) : state(0) {
     StringToValue(text);
