@@ -49,6 +49,20 @@ __attribute__((no_sanitize("vptr"))) inline Field TqFieldTakenAs(const TqDataTyp
 /// not ask that first.
 #define TQ_LOOKS_AT_THE_DEAD __attribute__((no_sanitize("vptr")))
 
+/// A walk over a list: raises the list's `walkDepth` for as long as it lives. A callback, or what
+/// else the walk calls, may leave it with an exception.
+class TqWalk {
+public:
+    explicit TqWalk(unsigned int& walkDepth) : depth(walkDepth) { ++depth; }
+    ~TqWalk() { --depth; }
+
+    TqWalk(const TqWalk&) = delete;
+    TqWalk& operator=(const TqWalk&) = delete;
+
+private:
+    unsigned int& depth;
+};
+
 /// a - b, wrapping around at 32 bits.
 inline int TqWrappedDifference(int a, int b) {
     return static_cast<int>(static_cast<unsigned int>(a) - static_cast<unsigned int>(b));

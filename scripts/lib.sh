@@ -13,7 +13,7 @@ packages_of() {
         *) echo cmake ninja-build g++ googletest pkg-config tftpd-hpa dnsmasq-base ;;
     esac
     case $1 in
-        dev) echo clang lld gdb libsnmp-dev ;;
+        dev) echo clang lld gdb libsnmp-dev valgrind ;;
         clang) echo clang gdb libsnmp-dev ;;
         asan) echo libsnmp-dev ;;
         release) echo clang gdb libbenchmark-dev ;;
