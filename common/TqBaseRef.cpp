@@ -24,6 +24,7 @@ TqBaseRef::TqBaseRef(const TqBaseRef& other) : TqDataType(other), object(nullptr
 
 TqBaseRef::~TqBaseRef() {
     AssignNewObject(nullptr);
+    TqKeepAssigned(this);
 }
 
 TqBaseRef& TqBaseRef::operator=(const TqBaseRef& other) {

@@ -13,7 +13,7 @@ const short ownTypeId = 4;
 
 short TqBoolean::typeId = ownTypeId;
 
-TqBoolean::TqBoolean(int flag) : state(flag) {}
+TqBoolean::TqBoolean(int flag) : state(flag != 0) {}
 
 TqBoolean::TqBoolean(const char* text) : state(0) {
     StringToValue(text);

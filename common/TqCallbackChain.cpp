@@ -22,10 +22,9 @@ TqCallbackChain& TqCallbackChain::operator=(const TqCallbackChain&) {
 TqCallbackChain::~TqCallbackChain() {}
 
 void TqCallbackChain::Invoke(TqBaseObject* source, TqCallbackData* data) {
-    ++walkDepth;
+    const TqWalk walk(walkDepth);
     // The count is read before every step: what a callback appends is invoked too.
     for (unsigned int i = 1; i <= count; ++i) {
         static_cast<TqCallback*>(slots[i])->Invoke(source, data);
     }
-    --walkDepth;
 }

@@ -29,6 +29,7 @@ TqClassInfo::~TqClassInfo() {
     TqClearForGood(parent);
     tallyA.Assignment(TqNumber(0));
     tallyB.Assignment(TqNumber(0));
+    TqKeepAssigned(this);
 }
 
 TqBaseObject* TqClassInfo::NewObject() const {

@@ -21,15 +21,13 @@ TqClassInfo* HeldInfo(const ClassList& list, unsigned int index) {
 // list holds none.
 template <class Matches>
 TqClassInfo* FirstMatch(const ClassList& list, Matches matches) {
-    TqClassInfo* found = nullptr;
-    ++list.walkDepth;
+    const TqWalk walk(list.walkDepth);
     const unsigned int count = list.count;
-    for (unsigned int i = 1; i <= count && found == nullptr; ++i) {
+    for (unsigned int i = 1; i <= count; ++i) {
         TqClassInfo* info = HeldInfo(list, i);
-        if (matches(*info)) found = info;
+        if (matches(*info)) return info;
     }
-    --list.walkDepth;
-    return found;
+    return nullptr;
 }
 
 }  // namespace
@@ -74,12 +72,11 @@ TqClassInfo* TqClassRegistry::Find(const TqString& name) const {
 }
 
 void TqClassRegistry::Dump() const {
-    ++classList.walkDepth;
+    const TqWalk walk(classList.walkDepth);
     // Unlike the lookups this reads the count anew before each step.
     for (unsigned int i = 1; i <= classList.count; ++i) {
         std::printf("Name: %s\n", HeldInfo(classList, i)->name.data);
     }
-    --classList.walkDepth;
 }
 
 void TqClassRegistry::Remove(const char* name) {

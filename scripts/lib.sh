@@ -10,7 +10,7 @@ packages_of() {
         *) echo cmake ninja-build g++ googletest pkg-config tftpd-hpa dnsmasq-base ;;
     esac
     case $1 in
-        dev) echo clang gdb libsnmp-dev make meson ;;
+        dev) echo clang lld gdb libsnmp-dev make meson valgrind ;;
         clang) echo clang gdb libsnmp-dev ;;
         asan) echo libsnmp-dev ;;
         release) echo clang gdb libbenchmark-dev ;;
@@ -29,6 +29,7 @@ tool_of() {
     case $1 in
         ninja-build) echo ninja ;;
         clang) echo clang++ ;;
+        lld) echo ld.lld ;;
         googletest) echo /usr/include/gtest/gtest.h ;;
         qemu-user) echo qemu-ppc ;;
         abigail-tools) echo abidiff ;;

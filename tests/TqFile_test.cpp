@@ -194,6 +194,24 @@ TEST_F(TqFileTest, OpensForReading) {
     EXPECT_EQ(Content(), "ab\n");
 }
 
+// Almost all of the file is a hole that takes no room.
+TEST_F(TqFileTest, OpensAFileAboveTwoGibibytesAndReadsItsLastLine) {
+    Make("first\n");
+    const off_t end = (off_t(1) << 31) + 4096;
+    const int descriptor = open(Path("file").c_str(), O_WRONLY);
+    if (pwrite(descriptor, "\nlast\n", 6, end) != 6) {
+        close(descriptor);
+        GTEST_SKIP() << "no file so large here: " << std::strerror(errno);
+    }
+    close(descriptor);
+    TqFile file;
+    ASSERT_EQ(Open(file, Path("file")), 1) << std::strerror(errno);
+    EXPECT_STREQ(file.NextLine(), "first\n");
+    ASSERT_EQ(fseeko(file.stream, end + 1, SEEK_SET), 0);
+    EXPECT_EQ(LinesOf(file), Lines({"last\n"}));
+    EXPECT_EQ(file.Close(), 1);
+}
+
 TEST_F(TqFileTest, OpensForWritingATruncatedOrNewFile) {
     TqFile file;
     EXPECT_EQ(Open(file, Make("long old content\n"), TqFile::write), 1);

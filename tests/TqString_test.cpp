@@ -821,6 +821,23 @@ TEST(TqString, StringICompareTakesBytesAsUnsigned) {
     EXPECT_EQ(TqString::StringICompare("\xFF", "\xFF"), 0);
 }
 
+TEST(TqString, AppendCharEndsTheTextWhereALongerOneStood) {
+    TqString cleared("abcdef");
+    cleared.Clear();
+    cleared.AppendChar('x');
+    EXPECT_STREQ(cleared.data, "x");
+    TqString set("abcdef");
+    set.SetValue("12", 2);
+    set.AppendChar('3');
+    EXPECT_STREQ(set.data, "123");
+    TqString appended("abcdef");
+    appended.Clear();
+    for (const char c : {'1', '2', '3'}) {
+        appended.AppendByte(static_cast<unsigned char>(c));
+        EXPECT_EQ(std::strlen(appended.data), appended.length);
+    }
+}
+
 // -- Trimming -------------------------------------------------------------------------------------
 
 TEST(TqString, TrimLeadingRemovesLeadingWhiteSpace) {
@@ -954,6 +971,25 @@ TEST(TqString, TrimsTouchNothingOutsideTheObject) {
     EXPECT_EQ(Held(*s), HeldInBlock(101, Letters(100)));
     s->TrimLeadingWS();
     EXPECT_EQ(s->data[s->length], '\0');
+}
+
+// The byte behind the array is a derived class's own where that fits into the padding.
+struct Followed : TqString {
+    char behind = ' ';
+};
+
+TEST(TqString, TrimTrailingStaysInsideTheArray) {
+    for (unsigned int length = 31; length < 40; ++length) {
+        SCOPED_TRACE(length);
+        Followed s;
+        while (s.Length() < length) s.AppendChar(' ');
+        std::memset(s.internalData, ' ', sizeof s.internalData);
+        s.TrimTrailingWS();
+        EXPECT_EQ(s.behind, ' ');
+        const unsigned int trimmed = length <= 33 ? length : 0;
+        EXPECT_EQ(std::string(s.internalData, 33),
+                  std::string(trimmed, '\0') + Repeated(33 - trimmed, ' '));
+    }
 }
 
 // -- Conversions ----------------------------------------------------------------------------------

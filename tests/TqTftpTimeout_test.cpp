@@ -152,6 +152,14 @@ TEST_F(TqTftpTimeout, ShiftsOfNegativeNumbersRoundDown) {
     EXPECT_EQ(FieldsOf(to), Fields({5099, 1, 127, 99, 7}));
 }
 
+TEST_F(TqTftpTimeout, AnAnswerOneMillisecondEarlyIsADeviationOfOne) {
+    TFTP_TO_STRUCT to = {5000, 1, 4000, 100, 5};
+    now = 5099;
+    // err = -1: -1 >> 3 is -1; |err| - 5 = -4: -4 >> 2 is -1
+    EXPECT_EQ(TFTP_timeout_update(&to), 99u + 4 * 4u);
+    EXPECT_EQ(FieldsOf(to), Fields({5099, 1, 115, 99, 4}));
+}
+
 TEST_F(TqTftpTimeout, NeitherTheTimeNorTheDeviationBecomesZero) {
     TFTP_TO_STRUCT to = {5000, 1, 1, 1, 1};
     // err = -1: 1 - 1 becomes 1; |err| - 1 = 0 leaves 1

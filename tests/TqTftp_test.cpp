@@ -853,6 +853,25 @@ TEST_F(TqTftp, ClosingReturnsTheResultOfClose) {
     EXPECT_EQ(TFTP_close(), 0x704u);
 }
 
+// As in a process that was started with its standard input closed.
+TEST_F(TqTftp, ATransferMayHaveDescriptorZero) {
+    const UdpSocket server(RequestPort());
+    const int input = dup(0);
+    close(0);
+    const Endpoint client = OpenedFor(server);
+    EXPECT_TRUE(IsOpen(0));
+    server.Send(client, Data(1, "x"));
+    unsigned int length = 0;
+    const unsigned char* data = TFTP_read(&length);
+    ASSERT_NE(data, nullptr) << std::hex << length;
+    EXPECT_EQ(Octets(reinterpret_cast<const char*>(data), length), "x");
+    EXPECT_EQ(TFTP_eof(), 1u);
+    EXPECT_EQ(TFTP_close(), 0u);
+    EXPECT_FALSE(IsOpen(0));
+    EXPECT_EQ(dup2(input, 0), 0);
+    close(input);
+}
+
 TEST_F(TqTftp, ATransferMayFollowAnyOther) {
     const int descriptor = NextDescriptor();
     for (int i = 0; i < 50; ++i) {

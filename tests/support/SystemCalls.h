@@ -8,6 +8,7 @@
 #include <time.h>
 
 #include <cstddef>
+#include <ctime>
 #include <functional>
 #include <vector>
 
@@ -18,6 +19,7 @@
 /// `systemCalls = SystemCalls()` takes all replacements out again.
 struct SystemCalls {
     std::function<timeval()> gettimeofday;
+    std::function<time_t()> time;
     std::function<int(int, fd_set*, timeval*)> select;
     std::function<int(int, const sockaddr*, socklen_t)> bind;
     std::function<ssize_t(int, const void*, std::size_t, int, const sockaddr*, socklen_t)> sendto;

@@ -1,7 +1,9 @@
 // What the leak sanitizer says of objects that live until the process ends, and of lost ones. No
 // suppression is needed: descriptors and the registry are reachable to the end.
 
-#ifdef __SANITIZE_ADDRESS__
+#include "Sanitizers.h"
+
+#ifdef TQ_ADDRESS_SANITIZED
 
 #include <gtest/gtest.h>
 

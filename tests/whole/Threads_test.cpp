@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <thread>
@@ -206,6 +207,42 @@ TEST(Threads, HoldTheItemsOfAListThatIsCleared) {
     });
     EXPECT_EQ(shared.object->refCount, 1);
     EXPECT_EQ(deaths, 0);
+}
+
+TEST(Threads, AssignToAReferenceListThatOthersChange) {
+    std::atomic<int> deaths(0);
+    const Handle shared(new Shared(deaths));
+    TqRefList<Shared> target;
+    OnEightThreads([&](unsigned int thread) {
+        TqRefList<Shared> mine;
+        for (unsigned int i = 1; i <= 20 + thread; ++i) mine.InsertSlot(i, shared.object);
+        for (int i = 0; i < 200; ++i) {
+            if (thread % 2 == 0) {
+                target = mine;
+            } else {
+                target.InsertSlot(1, shared.object);
+            }
+        }
+    });
+    EXPECT_EQ(shared.object->refCount, 1 + static_cast<int>(target.count));
+    target.RemoveAllItems();
+    EXPECT_EQ(shared.object->refCount, 1);
+}
+
+TEST(Threads, SwapItemsOfOneReferenceList) {
+    std::atomic<int> deaths(0);
+    TqRefList<Shared> list;
+    for (unsigned int i = 1; i <= threadCount; ++i) list.InsertSlot(i, new Shared(deaths));
+    const Items before = ItemsOf(list);
+    OnEightThreads([&](unsigned int thread) {
+        for (unsigned int i = 0; i < 2000; ++i) {
+            list.SwapItems(thread + 1, i % threadCount + 1);
+        }
+    });
+    const Items after = ItemsOf(list);
+    EXPECT_TRUE(std::is_permutation(before.begin(), before.end(), after.begin()));
+    list.RemoveAllItems();
+    EXPECT_EQ(deaths, 8);
 }
 
 TEST(Threads, AssignDifferentListsFromOneAndTheSame) {
