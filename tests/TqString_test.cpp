@@ -56,7 +56,7 @@ TqString WithNuls(const char* text, unsigned int count) {
     return TqString(text, count);
 }
 
-// -- Construction ---------------------------------------------------------------------------------
+// Construction.
 
 TEST(TqString, NullGivesTheEmptyString) {
     alignas(TqString) unsigned char room[sizeof(TqString)];
@@ -130,7 +130,7 @@ TEST(TqString, DestructionAcceptsAStringWithoutStorage) {
     s.data = nullptr;
 }
 
-// -- Assigning a text -----------------------------------------------------------------------------
+// Assigning a text.
 
 TEST(TqString, AssigningNullClears) {
     Watched s(Letters(50).c_str());
@@ -189,7 +189,7 @@ TEST(TqString, FromStringIsAssigning) {
     EXPECT_EQ(Held(s), HeldInside(""));
 }
 
-// -- SetValue -------------------------------------------------------------------------------------
+// SetValue.
 
 TEST(TqString, SetValueHoldsUpTo32CharactersInside) {
     for (unsigned int count : {1u, 31u, 32u}) {
@@ -247,7 +247,7 @@ TEST(TqString, SetValueReadsNothingBehindTheCountOrTheText) {
     EXPECT_EQ(Held(s), HeldInBlock(101, "ab" + Repeated(98, '\0')));
 }
 
-// -- Assignment -----------------------------------------------------------------------------------
+// Assignment.
 
 TEST(TqString, AssignmentKeepsTheStorageThatIsLargeEnough) {
     TqString s(Letters(100).c_str());
@@ -295,7 +295,7 @@ TEST(TqString, AssigningAStringIsAssignment) {
     EXPECT_EQ(Held(watched), HeldInside("abc"));
 }
 
-// -- Arguments that lie in the string itself ------------------------------------------------------
+// Arguments that lie in the string itself.
 
 TEST(TqString, AssigningAStringToItselfChangesNothing) {
     TqString inside("abc"), block(Letters(50).c_str()), nuls(WithNuls("ab", 40));
@@ -393,7 +393,7 @@ TEST(TqString, TheStringPlusItself) {
     EXPECT_EQ(Held(s + s.data), HeldInside("abab"));
 }
 
-// -- Emptying -------------------------------------------------------------------------------------
+// Emptying.
 
 TEST(TqString, ClearGivesTheBlockBack) {
     TqString s(Letters(100).c_str());
@@ -446,7 +446,7 @@ TEST(TqString, LengthIsTheCountedLength) {
     EXPECT_EQ(WithNuls("ab", 5).Length(), 5u);
 }
 
-// -- Appending ------------------------------------------------------------------------------------
+// Appending.
 
 TEST(TqString, AppendCharStaysInsideUpTo31Characters) {
     TqString s(Letters(30).c_str());
@@ -633,7 +633,7 @@ TEST(TqString, AppendingDigitsGrowsAsAppendingATextDoes) {
     EXPECT_EQ(Held(s), HeldInBlock(64, Letters(31) + "4294967295-1234567"));
 }
 
-// -- AppendFloat ----------------------------------------------------------------------------------
+// AppendFloat.
 
 std::string FloatText(float value, unsigned char precision) {
     TqString s;
@@ -690,7 +690,7 @@ TEST(TqString, AppendFloatGrowsAsAppendCharDoes) {
     EXPECT_EQ(Held(s), HeldInBlock(64, Letters(31) + "0.5" + Repeated(19, '0')));
 }
 
-// -- Comparing ------------------------------------------------------------------------------------
+// Comparing.
 
 int SignOf(int number) {
     return (number > 0) - (number < 0);
@@ -838,7 +838,7 @@ TEST(TqString, AppendCharEndsTheTextWhereALongerOneStood) {
     }
 }
 
-// -- Trimming -------------------------------------------------------------------------------------
+// Trimming.
 
 TEST(TqString, TrimLeadingRemovesLeadingWhiteSpace) {
     TqString s(" \t\n\v\f\rab c ");
@@ -992,7 +992,7 @@ TEST(TqString, TrimTrailingStaysInsideTheArray) {
     }
 }
 
-// -- Conversions ----------------------------------------------------------------------------------
+// Conversions.
 
 TEST(TqString, ToStringAssignsTheStringToTheOther) {
     const TqString s("abc");

@@ -42,7 +42,7 @@ std::string TextFormOf(const TqDataType& value) {
     return Counted(text);
 }
 
-// -- Good items -----------------------------------------------------------------------------------
+// Good items.
 
 TEST(TqItem, EveryTypeWritesItsItem) {
     for (const Sample& sample : EveryType()) EXPECT_EQ(ItemOf(*sample.value), sample.item);
@@ -149,7 +149,7 @@ TEST(TqItem, ANulEndsTheLength) {
     EXPECT_EQ(Counted(string), "ab");
 }
 
-// -- Incomplete items -----------------------------------------------------------------------------
+// Incomplete items.
 
 // One report, the empty value, and the buffer used up.
 void ExpectIncomplete(const std::string& bytes, unsigned int readPosition = 0) {
@@ -216,7 +216,7 @@ TEST(TqItem, AnIncompleteItemGivesTheBlockOfAStringBack) {
     EXPECT_EQ(TakeReports(), Reports({"TqBuffer"}));
 }
 
-// -- Any bytes ------------------------------------------------------------------------------------
+// Any bytes.
 
 // Mostly what lengths are made of, so that the reads get somewhere.
 std::string RandomBytes(Random& random) {
