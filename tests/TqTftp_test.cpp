@@ -123,10 +123,6 @@ Endpoint OpenedFor(const UdpSocket& server) {
     return client;
 }
 
-bool IsOpen(int descriptor) {
-    return fcntl(descriptor, F_GETFD) != -1;
-}
-
 class TqTftp : public TftpTest {
 protected:
     // There is exactly one descriptor more than before; it goes.
