@@ -10,9 +10,10 @@ packages_of() {
         }' scripts/packages.txt
 }
 
-# What shows that a package is there: a command or a file.
+# What shows that a package is there: a command or a file, of the package's name where nobody says.
 tool_of() {
-    awk -v package="$1" '$1 == package { print $2 }' scripts/packages.txt
+    awk -v package="$1" '$1 == package { tool = $2 } END { print tool ? tool : package }' \
+        scripts/packages.txt
 }
 
 is_there() {
