@@ -20,6 +20,8 @@ packages_of() {
         i686) echo g++-i686-linux-gnu ;;
         powerpc) echo g++-powerpc-linux-gnu qemu-user ;;
         mips) echo g++-mips-linux-gnu qemu-user ;;
+        device) echo g++-powerpc-linux-gnu qemu-system-ppc cpio python3 iproute2 ;;
+        device_kernel) echo linux-source-6.1 flex bison bc make xz-utils bzip2 dpkg-dev ;;
     esac
     case $1 in
         release | i686 | powerpc | mips) echo abigail-tools python3 ;;
