@@ -2,6 +2,7 @@
 #define SCALE_H
 
 #include <cstdio>
+#include <cstdlib>
 
 // Clang says by __has_feature what gcc defines.
 #ifndef __has_feature
@@ -24,11 +25,25 @@ const bool isDevice = true;
 const bool isDevice = false;
 #endif
 
+/// Whether the kernel is the device's as well, in an emulator of the whole machine. Who starts the
+/// tests there says so.
+inline bool IsOnDevice() {
+    return std::getenv("TQ_ON_DEVICE") != nullptr;
+}
+
+/// How many times as long processes, signals and packets take here as elsewhere: what is to happen
+/// soon happens so much later, and large tests are so much smaller once more.
+inline int Slowness() {
+    return IsOnDevice() ? 10 : 1;
+}
+
 /// The size of a large test: `full`, or `reduced` where that would take too long, which is printed.
 inline unsigned int Scaled(unsigned int full, unsigned int reduced) {
     if (!runsSlowly) return full;
-    std::printf("[  REDUCED ] to %u, instead of %u, where everything runs slowly\n", reduced, full);
-    return reduced;
+    const unsigned int size = reduced / static_cast<unsigned int>(Slowness());
+    if (size == full) return full;
+    std::printf("[  REDUCED ] to %u, instead of %u, where everything runs slowly\n", size, full);
+    return size;
 }
 
 #endif

@@ -23,7 +23,7 @@
 
 namespace {
 
-const long mayGrow = 64;             // KiB, of the process
+const long mayGrow = 64;               // KiB, of the process
 const long machineMayGrow = 2 * 1024;  // KiB
 
 // In KiB, but for the sockets.
