@@ -198,7 +198,8 @@ protected:
 
     // Runs the transfers in several processes at a time, which wait more than they work.
     void Run(unsigned int transfers, const Cases& cases) {
-        const unsigned int workers = IsOnDevice() ? 4 : 12;
+        // One answer must not take longer than servers wait for it: they would only repeat.
+        const unsigned int workers = IsOnDevice() ? 2 : 12;
         const long long start = Now();
         int report[2];
         ASSERT_EQ(pipe(report), 0);
@@ -241,7 +242,7 @@ private:
 };
 
 TEST_F(TqTftpNetwork, TransfersEndWithTheExactBytesOrAResultCode) {
-    Run(Scaled(1000, isDevice ? 1000 : 200), [](unsigned int seed) {
+    Run(Scaled(1000, isDevice && !IsOnDevice() ? 1000 : 200), [](unsigned int seed) {
         Dice dice(seed);
         Case test = SomeCase(seed, dice);
         test.troubles.loss = dice.UpTo(30);
