@@ -39,6 +39,8 @@ void Resize(TqBaseList& list, unsigned int capacity) {
 unsigned int TqBaseList::allocInc = 16;
 
 TqBaseList::TqBaseList()
+    // The array is there from the start, so that no operation has to ask; entry 0 alone is read
+    // before anything was put into it.
     : capacity(growthStep), count(0), slots(NewSlots(growthStep)), walkDepth(0) {
     slots[0] = nullptr;
 }
@@ -53,6 +55,7 @@ TqBaseList::TqBaseList(const TqBaseList& other)
 TqBaseList& TqBaseList::operator=(const TqBaseList& other) {
     TQ_REPORT_IF(walkDepth != 0);
     TqBaseObject::operator=(other);
+    // The new array first, and the old one given back last: a list may be assigned to itself.
     void** old = slots;
     slots = CopyOfSlots(other);
     capacity = other.capacity;
@@ -63,6 +66,7 @@ TqBaseList& TqBaseList::operator=(const TqBaseList& other) {
 
 TqBaseList::~TqBaseList() {
     TQ_REPORT_IF(walkDepth != 0);
+    // Cleared, so that who reads a list after its end meets a null and not another's memory.
     std::free(slots);
     TqClearForGood(slots);
 }
@@ -84,6 +88,7 @@ void TqBaseList::SwapItems(unsigned int a, unsigned int b) {
     slots[b] = item;
 }
 
+// The array stays: the lists of a device are filled again and again, with as many items each time.
 void TqBaseList::RemoveAllItems() {
     count = 0;
 }
@@ -102,6 +107,9 @@ void TqBaseList::InsertSlot(unsigned int index, void* item) {
         TqCallAssert(sourceName, __LINE__);
         return;
     }
+    // Entry 0 takes one of the entries that `capacity` counts, so the array is full one item
+    // earlier. The new room is counted from the items and not from the old array: what `PreAlloc`
+    // made larger grows by the same step.
     ++count;
     if (count == capacity) Resize(*this, count + growthStep);
     if (count > index) {

@@ -22,6 +22,8 @@ unsigned int TqBaseObject::nextSeqNum = 1;
 
 TQ_IMPLEMENT_CLASS_MEMBERS(TqBaseObject, nullptr, nullptr)
 
+// The stamp is the same for every object: nothing hands out others, and a handle that compares its
+// copy of one with what is left of a dead object is told by `self` and not by the stamp.
 TqBaseObject::TqBaseObject() : refCount(0), seqNum(0), self(this), destroying(0) {}
 
 TqBaseObject::TqBaseObject(const TqBaseObject& other)
@@ -29,6 +31,7 @@ TqBaseObject::TqBaseObject(const TqBaseObject& other)
     TQ_REPORT_IF(other.destroying != 0);
 }
 
+// Count, stamp, mutex and `self` are the object's identity, which no assignment carries over.
 TqBaseObject& TqBaseObject::operator=(const TqBaseObject&) {
     return *this;
 }
@@ -68,6 +71,8 @@ void TqBaseObject::IncrementRefCount(TqBaseObject* obj, unsigned int seq) {
 int TqBaseObject::DecrementRefCount(TqBaseObject* obj, unsigned int seq) {
     if (obj == nullptr) return 0;
     CheckAndLock(obj, seq);
+    // Only exactly 0 deletes. A count that was below it already came from one drop too many, and to
+    // delete then would be to delete twice.
     const bool last = --obj->refCount == 0;
     if (last) obj->destroying = 1;
     TQ_REPORT_IF(obj->objectMutex.Unlock() != 0);

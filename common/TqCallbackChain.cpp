@@ -10,6 +10,7 @@ const char sourceName[] = "TqCallbackChain";
 
 TqCallbackChain::TqCallbackChain() {}
 
+// Empty, and not the shallow copy of its base: two chains would tell the same callbacks twice.
 TqCallbackChain::TqCallbackChain(const TqCallbackChain&) : TqPtrList<TqCallback>() {
     TqCallAssert(sourceName, __LINE__);
 }

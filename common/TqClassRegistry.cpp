@@ -50,6 +50,8 @@ TqClassRegistry::~TqClassRegistry() {
 }
 
 TqClassRegistry* TqClassRegistry::GetRegistry() {
+    // Made when first asked for and never given back: objects that end after `main` still look up
+    // names.
     if (theRegistry == nullptr) theRegistry = new TqClassRegistry;
     return theRegistry;
 }
@@ -67,6 +69,7 @@ TqBaseObject* TqClassRegistry::NewObject(const char* name) const {
 
 TqClassInfo* TqClassRegistry::Find(const TqString& name) const {
     return FirstMatch(classList, [&name](const TqClassInfo& info) {
+        // The lengths first: most names differ there, and their texts are not looked at.
         return info.name.Length() == name.Length() && std::strcmp(info.name.data, name.data) == 0;
     });
 }

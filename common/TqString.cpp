@@ -39,6 +39,7 @@ int LowerCase(char c) {
 // Copies the text, up to its first NUL or `count` characters, and fills up with NULs so that
 // to[count] is one too. The text may overlap its new place.
 void CopyText(char* to, const char* text, unsigned int count) {
+    // Never looks behind the first NUL: a count may promise more than the text has.
     const std::size_t copied = strnlen(text, count);
     TqCopyBytes(to, text, copied);
     std::memset(to + copied, 0, count - copied + 1);
@@ -58,6 +59,7 @@ void TakeBlock(TqString& string, char* block, unsigned int count) {
 
 // What the constructors share: the storage is chosen from nothing.
 void Construct(TqString& string, const char* text, unsigned int count) {
+    // All of it: programs compare and send the area as it lies there.
     std::memset(string.internalData, 0, sizeof string.internalData);
     if (count > constructedInside) {
         TakeBlock(string, NewBlock(text, count), count);
@@ -87,6 +89,8 @@ void Assign(TqString& string, const char* text, unsigned int count) {
 // first NUL, as a string copy does, and the rest of the new block is NULs.
 void Grow(TqString& string, unsigned int length) {
     if (length < string.capacity) return;
+    // To the next multiple of 16 and not by a factor: a device has thousands of strings, few of
+    // which grow more than once or twice.
     const unsigned int capacity = (length + 16) / 16 * 16;
     char* block;
     if (IsInternal(string)) {
@@ -217,11 +221,13 @@ void TqString::AppendNumber(int value) {
 
 void TqString::AppendFloat(float value, unsigned char precision) {
     TQ_REPORT_IF(precision > 99);
+    // Long enough for every float with up to 88 decimals; a longer text is cut, not overrun.
     char work[128] = {0};
     std::snprintf(work, sizeof work, "%.*f", precision, static_cast<double>(value));
     for (const char* c = work; *c != '\0'; ++c) AppendChar(*c);
 }
 
+// By the C library's lower case, one byte at a time: what is a letter is what the locale says.
 int TqString::StringICompare(const char* a, const char* b) {
     while (*a != '\0' && LowerCase(*a) == LowerCase(*b)) {
         ++a;

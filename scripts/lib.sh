@@ -1,45 +1,19 @@
 # shellcheck shell=bash disable=SC2034
 # What the scripts share; sourced by bash with the repository as working directory.
 
-# The Debian packages that a leg needs.
+# The Debian packages that a leg needs, from the table of them.
 packages_of() {
-    case $1 in
-        demo) echo cmake ninja-build g++ ;;
-        lint) echo g++ clang-format clang-tidy shellcheck ;;
-        load) echo g++ binutils python3 libglib2.0-0 libqt5core5a ;;
-        *) echo cmake ninja-build g++ googletest pkg-config tftpd-hpa dnsmasq-base ;;
-    esac
-    case $1 in
-        dev) echo clang lld gdb libsnmp-dev make meson valgrind ;;
-        clang) echo clang gdb libsnmp-dev ;;
-        asan) echo libsnmp-dev ;;
-        release) echo clang gdb libbenchmark-dev ;;
-        coverage) echo gcovr ;;
-        i686) echo g++-i686-linux-gnu ;;
-        powerpc) echo g++-powerpc-linux-gnu qemu-user ;;
-        mips) echo g++-mips-linux-gnu qemu-user ;;
-    esac
-    case $1 in
-        release | i686 | powerpc | mips) echo abigail-tools python3 ;;
-    esac
+    awk -v leg="$1" '
+        BEGIN { isPreset = leg !~ /^(demo|lint|load|device|device_kernel)$/ }
+        /^[^#]/ {
+            for (i = 3; i <= NF; ++i) if ($i == leg || ($i == "tests" && isPreset)) { print $1; next }
+        }' scripts/packages.txt
 }
 
-# What a package is wanted for, where there are no Debian packages: a command or a file.
+# What shows that a package is there: a command or a file, of the package's name where nobody says.
 tool_of() {
-    case $1 in
-        ninja-build) echo ninja ;;
-        clang) echo clang++ ;;
-        lld) echo ld.lld ;;
-        googletest) echo /usr/include/gtest/gtest.h ;;
-        qemu-user) echo qemu-ppc ;;
-        abigail-tools) echo abidiff ;;
-        libsnmp-dev) echo /usr/include/net-snmp/net-snmp-includes.h ;;
-        tftpd-hpa) echo /usr/sbin/in.tftpd ;;
-        dnsmasq-base) echo /usr/sbin/dnsmasq ;;
-        libbenchmark-dev) echo /usr/include/benchmark/benchmark.h ;;
-        g++-*) echo "${1#g++-}-g++" ;;
-        *) echo "$1" ;;
-    esac
+    awk -v package="$1" '$1 == package { tool = $2 } END { print tool ? tool : package }' \
+        scripts/packages.txt
 }
 
 is_there() {
