@@ -1,0 +1,15 @@
+#ifndef DOWNLOAD_H
+#define DOWNLOAD_H
+
+#include "TqBuffer.h"
+
+/// Fetches `fileName` by TFTP from `server`, an address or a host name, and appends it to
+/// `content`. False, with what went wrong in `complaint`, when that fails. The file may have a
+/// mebibyte.
+///
+/// It never hangs: a server that is silent for half a minute ends the program, with a message on
+/// standard error and exit status 1. So call it before there is anything to tidy up. Meanwhile the
+/// signal SIGALRM is its own.
+bool Download(const char* server, const char* fileName, TqBuffer& content, TqString& complaint);
+
+#endif
