@@ -7,7 +7,6 @@
 #include <string.h>
 #include <unistd.h>
 
-#include "TqString.h"
 #include "TqTftp.h"
 
 namespace {
@@ -25,15 +24,17 @@ void OnAlarm(int) {
     alarm(secondsBetweenSignals);
     if (++signalsWithoutBlock < mostSignals) return;
     const char* name = program_invocation_short_name;
-    const bool isTold = write(STDERR_FILENO, name, strlen(name)) >= 0 &&
-                        write(STDERR_FILENO, message, sizeof message - 1) >= 0;
-    _exit(isTold ? 1 : 2);
+    ssize_t written = write(STDERR_FILENO, name, strlen(name));
+    written += write(STDERR_FILENO, message, sizeof message - 1);
+    static_cast<void>(written);  // there is nobody else to tell
+    _exit(1);
 }
 
 // Finds the IPv4 address of a host, in network byte order. Returns 0, or what went wrong.
 int Resolve(const char* server, unsigned int& address) {
     addrinfo hints = addrinfo();
     hints.ai_family = AF_INET;
+    hints.ai_socktype = SOCK_DGRAM;
     addrinfo* found = nullptr;
     const int result = getaddrinfo(server, nullptr, &hints, &found);
     if (result != 0) return result;
@@ -57,8 +58,9 @@ const char* Describe(unsigned int result) {
 
 // Fetches block after block. Returns 0, or what went wrong.
 unsigned int Transfer(TFTP_OPEN_STRUCT& request, TqBuffer& content) {
-    unsigned int result = TFTP_open(&request);
-    while (result == 0 && TFTP_eof() == 0 && content.length <= mostBytes) {
+    const unsigned int result = TFTP_open(&request);
+    if (result != 0) return result;
+    while (TFTP_eof() == 0 && content.length <= mostBytes) {
         unsigned int length = 0;
         const unsigned char* block = TFTP_read(&length);
         if (block == nullptr) return length;
@@ -66,7 +68,7 @@ unsigned int Transfer(TFTP_OPEN_STRUCT& request, TqBuffer& content) {
         content.Append(block, length);
     }
     TFTP_close();
-    return result;
+    return 0;
 }
 
 }  // namespace

@@ -15,9 +15,6 @@ void CountChange(TqFunctionCb* callback, TqBaseObject*, TqCallbackData*) {
     ++static_cast<TqCounter*>(callback->UserData())->count;
 }
 
-// Marks a number that is not all that the kernel has counted.
-const char wrapMark[] = "*";
-
 // The rows of the table; the interfaces follow.
 enum Row : unsigned int { groupRow, headingRow, columnRow };
 
@@ -55,7 +52,7 @@ void PrintTable(const Poll& poll) {
             while (cell.IsNotEmpty() && line.Length() < place) line.AppendChar(' ');
             line += cell.data;
             if (interface == nullptr || !interface->wrapped[v]) continue;
-            line += wrapMark;
+            line += "*";
             hasWrapped = true;
         }
         printf("%s\n", line.data);
@@ -63,8 +60,7 @@ void PrintTable(const Poll& poll) {
     printf("object identifiers: %s, column as above, index of the interface\n",
            interfaceTableEntry);
     if (hasWrapped) {
-        printf("%s the kernel counts with 64 bits; shown is what a 32-bit counter shows\n",
-               wrapMark);
+        printf("* the kernel counts with 64 bits; shown is what a 32-bit counter shows\n");
     }
 }
 
@@ -83,8 +79,8 @@ void PrintAddresses(const Poll& poll, const Configuration& configuration) {
         subnet->address.toString(address);
         if (subnet->mask.valid != 0) subnet->mask.toString(mask);
         subnet->NetworkOf(subnet->address).toString(network);
-        const TqBoolean allowed(configuration.Allows(subnet->address));
-        printf(format, address.data, mask.data, network.data, TextOf(allowed).data,
+        printf(format, address.data, mask.data, network.data,
+               TextOf(TqBoolean(configuration.Allows(subnet->address))).data,
                subnet->interfaceName.data);
     }
     TqString names;
@@ -96,14 +92,18 @@ void PrintAddresses(const Poll& poll, const Configuration& configuration) {
 }
 
 // Goes through the columns of the table that managers read, and prints those that there are.
-void PrintOids(const Interface& interface) {
-    const TqSnmpOid last = interface.Oid(valueCount - 1);
-    for (TqSnmpOid oid(interface.Oid(indexValue)); oid.Compare(last) <= 0;
-         oid.IncrementTableRow()) {
-        for (unsigned int v = 0; v < valueCount; ++v) {
-            if (interface.Oid(v).DoesNotEqual(&oid)) continue;
+void PrintOids(const Poll& poll) {
+    printf("\n");
+    for (unsigned int i = 1; i <= poll.interfaces.count; ++i) {
+        const Interface& interface = *poll.InOrder(i);
+        const TqSnmpOid last = interface.Oid(valueCount - 1);
+        TqSnmpOid oid = interface.Oid(indexValue);
+        for (; oid.Compare(last) <= 0; oid.IncrementTableRow()) {
+            unsigned int v = 0;
+            while (v < valueCount && interface.Oid(v).DoesNotEqual(&oid)) ++v;
+            if (v == valueCount) continue;
             printf("%-26s  %-14s  %s%s\n", TextOf(oid).data, valueNames[v].name,
-                   ValueText(interface, v).data, interface.wrapped[v] ? wrapMark : "");
+                   ValueText(interface, v).data, interface.wrapped[v] ? "*" : "");
         }
     }
 }
@@ -181,12 +181,7 @@ void Agent::Invoke(TqBaseObject* source, TqCallbackData* data) {
     printf("\n");
 }
 
-Agent::Agent()
-    : TqCallback(nullptr),
-      showItems(false),
-      showOids(false),
-      pollCount(0),
-      countChange(CountChange, &changeCount) {
+Agent::Agent() : TqCallback(nullptr), countChange(CountChange, &changeCount) {
     listeners.InsertSlot(1, static_cast<TqCallback*>(this));
     listeners.InsertSlot(2, static_cast<TqCallback*>(&countChange));
 }
@@ -203,10 +198,7 @@ void Agent::PollOnce(const char* path) {
     printf("that time as the library writes it: %s\n\n", LibraryTimeText(poll.time).data);
     PrintTable(poll);
     PrintAddresses(poll, configuration);
-    if (showOids) printf("\n");
-    for (unsigned int i = 1; showOids && i <= poll.interfaces.count; ++i) {
-        PrintOids(*poll.InOrder(i));
-    }
+    if (showOids) PrintOids(poll);
     CheckTransfer(poll, configuration.poll, showItems);
     for (unsigned int i = 1; latest.object != nullptr && i <= configuration.monitors.count; ++i) {
         Observe(*ItemOf(configuration.monitors, i), *static_cast<Poll*>(latest.object), poll);
@@ -218,9 +210,9 @@ void Agent::PollOnce(const char* path) {
 // of its addresses is in an allowed network, or when all are allowed.
 void Agent::AddAddresses(Poll& poll) const {
     for (unsigned int i = 1; i <= configuration.addresses.count; ++i) {
-        TqBaseObject* subnet = ItemOf(configuration.addresses, i);
-        const char* name = ItemOf(configuration.addresses, i)->interfaceName.data;
-        if (poll.Find(name) != nullptr) poll.addresses.InsertSlot(poll.addresses.count + 1, subnet);
+        Subnet* subnet = ItemOf(configuration.addresses, i);
+        if (poll.Find(subnet->interfaceName.data) == nullptr) continue;
+        poll.addresses.InsertSlot(poll.addresses.count + 1, static_cast<TqBaseObject*>(subnet));
     }
     for (unsigned int i = 1; i <= poll.interfaces.count; ++i) {
         ItemOf(poll.interfaces, i)->watched = configuration.allowed.count == 0;

@@ -2,7 +2,6 @@
 #define AGENT_H
 
 #include "Configuration.h"
-#include "TqBaseRef.h"
 #include "TqCallbackChain.h"
 #include "TqFunctionCb.h"
 
@@ -12,19 +11,17 @@ public:
     Agent();
     void PollOnce(const char* path);  ///< polls and shows all there is to show
     void PrintSummary() const;        ///< prints what all polls together came to
-
-    /// Prints the change that it is told of.
-    void Invoke(TqBaseObject* source, TqCallbackData* data) override;
+    void Invoke(TqBaseObject* source, TqCallbackData* data) override;  ///< prints a change
 
     Configuration configuration;
-    bool showItems;  ///< the bytes that are sent
-    bool showOids;   ///< each value with its object identifier
+    bool showItems = false;  ///< the bytes that are sent
+    bool showOids = false;   ///< each value with its object identifier
 
 private:
     void AddAddresses(Poll& poll) const;
     void Observe(Monitor& monitor, const Poll& before, const Poll& after);
 
-    unsigned int pollCount;
+    unsigned int pollCount = 0;
     TqCounter changeCount;
     TqRef<Poll> latest;  ///< kept for the comparison with the next one
 

@@ -2,7 +2,6 @@
 
 #include <string.h>
 
-#include "TqBaseRef.h"
 #include "TqClassInfo.h"
 #include "TqClassRegistry.h"
 

@@ -20,7 +20,7 @@ class Monitor : public TqBaseObject {
     TQ_DECLARE_CLASS(Monitor)
 
 public:
-    virtual bool Watches(unsigned int value) const = 0;
+    virtual bool Watches(unsigned int value) const = 0;  ///< whether it looks at that value
 
     TqString interfaceName;  ///< the only one that is watched; empty for all
 };

@@ -10,8 +10,6 @@
 
 #include <algorithm>
 
-#include "TqBaseRef.h"
-
 const ValueName valueNames[valueCount] = {
     {2, "ifDescr", "interface", 0},       {1, "ifIndex", "index", 0},
     {8, "ifOperStatus", "up", 0},         {10, "ifInOctets", "bytes", 0},
@@ -27,7 +25,6 @@ const char procNetDev[] = "/proc/net/dev";
 namespace {
 
 typedef unsigned long long KernelCount;
-
 const char blanks[] = " \t\v\f\r";
 const unsigned int numberCount = 16;
 const unsigned int mostInterfaces = 65535;  // what the sorted list takes

@@ -2,7 +2,7 @@
 #define INTERFACE_H
 
 #include "Text.h"
-#include "TqBasePtrList.h"
+#include "TqBaseRef.h"
 #include "TqBaseRefList.h"
 #include "TqBoolean.h"
 #include "TqCounter.h"
@@ -25,11 +25,10 @@ extern const struct ValueName {
 
 /// The entries of that table; a value's column and its interface's index follow.
 extern const char interfaceTableEntry[];
+extern const char procNetDev[];  ///< where the kernel shows what it has counted
 
-/// One interface as one poll saw it, in the library's values.
-///
-/// The counters are 32 bits wide, as managers expect them; the kernel's have 64. What does not fit
-/// is kept modulo 2^32.
+/// One interface as one poll saw it, in the library's values. The counters are 32 bits wide, as
+/// managers expect them; the kernel's have 64. What does not fit is kept modulo 2^32.
 class Interface : public TqBaseObject {
 public:
     Interface();
@@ -38,8 +37,7 @@ public:
     /// which it cuts up. False after a complaint, and the interface is not to be used.
     bool Parse(char* line);
 
-    /// The object identifier of a value in the interface table that managers read.
-    TqSnmpOid Oid(unsigned int value) const;
+    TqSnmpOid Oid(unsigned int value) const;  ///< that of a value in the managers' table
 
     TqString name;
     TqNumber index;
@@ -54,8 +52,7 @@ public:
 /// An address and its mask: that of an interface, or of a network to be compared with.
 class Subnet : public TqBaseObject {
 public:
-    /// The address of the network that `other` is in, if this is its mask.
-    TqIpAddress NetworkOf(const TqIpAddress& other) const;
+    TqIpAddress NetworkOf(const TqIpAddress& other) const;  ///< the part that the mask keeps
 
     TqIpAddress address;
     TqNetworkMask mask;      ///< invalid, for the library, when it says that there is one address
@@ -67,8 +64,6 @@ template <class T>
 T* ItemOf(const TqRefList<T>& list, unsigned int index) {
     return static_cast<T*>(static_cast<TqBaseObject*>(list.slots[index]));
 }
-
-extern const char procNetDev[];  ///< where the kernel shows the counters of its interfaces
 
 /// The interfaces as they were found at one moment.
 class Poll : public TqBaseObject {

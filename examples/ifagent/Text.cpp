@@ -14,20 +14,18 @@ static const LineReader* presentReader = nullptr;  // whose line is being looked
 
 bool Complain(const char* format, ...) {
     ++complaintCount;
-    char message[512];
+    char message[512] = "";
+    if (presentReader != nullptr) {
+        snprintf(message, sizeof message, "%s:%u: ", presentReader->name,
+                 presentReader->lineNumber);
+    }
+    const size_t start = strlen(message);
     va_list arguments;
     va_start(arguments, format);
-    vsnprintf(message, sizeof message, format, arguments);
+    vsnprintf(message + start, sizeof message - start, format, arguments);
     va_end(arguments);
-
-    TqString text;
-    if (presentReader != nullptr) {
-        text = TqString(presentReader->name) + ":";
-        text.AppendCounter(presentReader->lineNumber);
-        text += ": ";
-    }
-    text += message;
-    const TqBuffer bytes(reinterpret_cast<const unsigned char*>(text.data), text.length);
+    const unsigned int length = static_cast<unsigned int>(strlen(message));
+    const TqBuffer bytes(reinterpret_cast<const unsigned char*>(message), length);
     fprintf(stderr, "ifagent: %s\n", TextOf(bytes).data);
     return false;
 }

@@ -11,8 +11,7 @@
 bool Complain(const char* format, ...) __attribute__((format(printf, 1, 2)));
 extern unsigned int complaintCount;  ///< how often that has happened
 
-/// The text form of a value of any type.
-TqString TextOf(const TqDataType& value);
+TqString TextOf(const TqDataType& value);  ///< the text form, as the value of an expression
 
 /// The number that `text` is, decimal digits and nothing else; -1 when it is not, or above `most`.
 int WholeNumber(const char* text, int most);
@@ -32,9 +31,8 @@ public:
     /// Takes the file of that name on this machine. False, after a complaint, when there is none.
     bool ReadFile();
 
-    /// Puts the next line, without its newline, into `line`; false at the end of the text, which
-    /// every reader is to reach. A line with a NUL, which no string can hold, is complained of and
-    /// left out.
+    /// Puts the next line, without its newline, into `line`; false at the end, which is to be
+    /// reached. A line with a NUL, which no string can hold, is complained of and left out.
     bool NextLine(TqString& line);
 
     const char* name;         ///< of the text

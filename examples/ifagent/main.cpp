@@ -126,12 +126,10 @@ int main(int argc, char** argv) {
     }
     if (commandLine.showHelp) {
         fputs(usage, stdout);
-        return exitOk;
-    }
-    if (commandLine.showClasses) {
+    } else if (commandLine.showClasses) {
         TqClassRegistry::GetRegistry()->Dump();
-        return exitOk;
+    } else {
+        Run(commandLine, agent, argv + optind, argc - optind);
     }
-    Run(commandLine, agent, argv + optind, argc - optind);
     return complaintCount + DevelopmentAssertCount() == 0 ? exitOk : exitComplaints;
 }
