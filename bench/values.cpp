@@ -122,7 +122,7 @@ void ItemDecodeStrtol(benchmark::State& state) {
 }
 BENCHMARK(ItemDecodeStrtol);
 
-// A message of many items: the buffer reallocates exactly, as documented.
+// A message of many items: the buffer reallocates exactly to what it holds.
 void MessageTq(benchmark::State& state) {
     const TqCounter counter(123456789);
     for (auto _ : state) {
