@@ -11,12 +11,12 @@
 #include <algorithm>
 
 const ValueName valueNames[valueCount] = {
-    {2, "ifDescr", "interface", 0},       {1, "ifIndex", "index", 0},
-    {8, "ifOperStatus", "up", 0},         {10, "ifInOctets", "bytes", 0},
-    {11, "ifInUcastPkts", "unicast", 1},  {12, "ifInNUcastPkts", "multicast", 7},
-    {13, "ifInDiscards", "dropped", 3},   {14, "ifInErrors", "errors", 2},
-    {16, "ifOutOctets", "bytes", 8},      {17, "ifOutUcastPkts", "packets", 9},
-    {19, "ifOutDiscards", "dropped", 11}, {20, "ifOutErrors", "errors", 10},
+    {2, 0, "ifDescr", "interface"},       {1, 0, "ifIndex", "index"},
+    {8, 0, "ifOperStatus", "up"},         {10, 0, "ifInOctets", "bytes"},
+    {11, 1, "ifInUcastPkts", "unicast"},  {12, 7, "ifInNUcastPkts", "multicast"},
+    {13, 3, "ifInDiscards", "dropped"},   {14, 2, "ifInErrors", "errors"},
+    {16, 8, "ifOutOctets", "bytes"},      {17, 9, "ifOutUcastPkts", "packets"},
+    {19, 11, "ifOutDiscards", "dropped"}, {20, 10, "ifOutErrors", "errors"},
 };
 
 const char interfaceTableEntry[] = "1.3.6.1.2.1.2.2.1";

@@ -18,9 +18,9 @@ enum : unsigned int { outOctets = inErrors + 1, outUcastPkts, outDiscards, outEr
 /// What the values are called, and where they come from.
 extern const struct ValueName {
     unsigned int column;  ///< its column in the interface table that managers read
-    const char* name;     ///< that column's name
-    const char* heading;  ///< what a person calls it
     unsigned int number;  ///< of a counter: which one, from 0, of a line of /proc/net/dev it is
+    const char* name;     ///< the column's name
+    const char* heading;  ///< what a person calls it
 } valueNames[valueCount];
 
 /// The entries of that table; a value's column and its interface's index follow.
