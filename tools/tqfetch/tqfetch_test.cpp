@@ -1054,10 +1054,12 @@ TEST_F(Tqfetch, KilledHalfWayItLeavesNoFile) {
 
 TEST_F(Tqfetch, NoSignalThatEndsItLeavesAFileThatHasAName) {
     if (!Works(HideDescriptors)) GTEST_SKIP() << "no mount namespace of its own";
-    std::vector<int> numbers = {SIGTERM,   SIGINT,  SIGHUP,   SIGQUIT,     SIGPIPE,
-                                SIGUSR1,   SIGUSR2, SIGXFSZ,  SIGXCPU,     SIGABRT,
-                                SIGVTALRM, SIGPROF, SIGIO,    SIGPWR,      SIGSTKFLT,
-                                SIGSYS,    SIGTRAP, SIGRTMIN, SIGRTMIN + 1};
+    std::vector<int> numbers = {SIGTERM, SIGINT,  SIGHUP,  SIGQUIT, SIGPIPE,   SIGUSR1,
+                                SIGUSR2, SIGXFSZ, SIGXCPU, SIGABRT, SIGVTALRM, SIGPROF,
+                                SIGIO,   SIGPWR,  SIGSYS,  SIGTRAP, SIGRTMIN,  SIGRTMIN + 1};
+#ifdef SIGSTKFLT
+    numbers.push_back(SIGSTKFLT);
+#endif
     // Emulators and sanitizers have these to themselves.
     if (!runsSlowly) numbers.insert(numbers.end(), {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGRTMAX});
     for (const int number : numbers) {
