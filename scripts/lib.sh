@@ -173,11 +173,18 @@ tally() {
 results=()
 failures=0
 leg() {
-    local name=$1 start=$SECONDS verdict=OK
+    local name=$1 start=$SECONDS used verdict=OK
+    used=$(processor_seconds)
     shift
     echo "== $name"
     "$@" || { verdict=FAIL; failures=$((failures + 1)); }
-    results+=("$(printf '%-4s %-22s %4d s' $verdict "$name" $((SECONDS - start)))")
+    results+=("$(printf '%-4s %-22s %4d s, of processors %4d s' $verdict "$name" \
+        $((SECONDS - start)) $(($(processor_seconds) - used)))")
+}
+
+# What the commands so far have taken of all processors: the same on a busy machine.
+processor_seconds() {
+    awk -v hertz="$(getconf CLK_TCK)" '{ print int(($16 + $17) / hertz) }' "/proc/$$/stat"
 }
 
 # One line per leg. Fails when one of them did.
