@@ -962,6 +962,8 @@ TEST_F(TqfetchTerminal, ShowsNothingOnATerminalThatTakesTheFile) {
     WriteFile(served.Path("motd"), "hello");
     const Child server = Serve();
     for (const char* target : {"-", "/dev/stdout", "/dev/tty"}) {
+        if (target[0] == '/' && access(target, F_OK) != 0)
+            GTEST_SKIP() << "no " << target << " here";
         const std::vector<std::string> words = {"-o", target, HostName(), "motd"};
         EXPECT_EQ(RunProgram(Built(TQFETCH, words), OnTerminal()).output, "hello") << target;
     }
