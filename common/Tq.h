@@ -1,0 +1,42 @@
+#ifndef TQ_H
+#define TQ_H
+
+/// The whole library in one include, but for TqStd.h: that one brings headers of the standard
+/// library along for which not every program has use.
+#include "TqBaseList.h"
+#include "TqBaseObject.h"
+#include "TqBasePtrList.h"
+#include "TqBaseRef.h"
+#include "TqBaseRefList.h"
+#include "TqBoolean.h"
+#include "TqBuffer.h"
+#include "TqCallback.h"
+#include "TqCallbackChain.h"
+#include "TqCallbackData.h"
+#include "TqCast.h"
+#include "TqClassInfo.h"
+#include "TqClassRegistry.h"
+#include "TqCounter.h"
+#include "TqDataType.h"
+#include "TqDateTime.h"
+#include "TqDeclareClass.h"
+#include "TqExport.h"
+#include "TqFile.h"
+#include "TqFloat.h"
+#include "TqFunctionCb.h"
+#include "TqHooks.h"
+#include "TqIpAddress.h"
+#include "TqIpAddressComparisons.h"
+#include "TqListItems.h"
+#include "TqMakeRef.h"
+#include "TqNetworkMask.h"
+#include "TqNumber.h"
+#include "TqPtrList.h"
+#include "TqRef.h"
+#include "TqRefList.h"
+#include "TqSnmpOid.h"
+#include "TqSortedStringList.h"
+#include "TqString.h"
+#include "TqTftp.h"
+
+#endif
