@@ -141,12 +141,12 @@ inline T* TqRef<T>::Get() const {
 
 template <class T>
 inline T* TqRef<T>::operator->() const {
-    return Get();
+    return &**this;
 }
 
 template <class T>
 inline typename std::add_lvalue_reference<T>::type TqRef<T>::operator*() const {
-    return *Get();
+    return static_cast<typename std::add_lvalue_reference<T>::type>(*object);
 }
 
 template <class T>

@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "TqBaseList.h"
+#include "TqExport.h"
 #include "TqHooks.h"
 
 /// What the typed lists have in common: how `TqPtrList<T>`, `TqRefList<T>`, `TqSortedStringList`
@@ -59,7 +60,7 @@ public:
     bool operator!=(const TqListWalk& other) const;
 
 private:
-    bool HasEnded() const { return list == nullptr || index > list->count; }
+    TQ_ALWAYS_INLINE bool HasEnded() const { return list == nullptr || index > list->count; }
 
     const TqBaseList* list;  // null at the end
     unsigned int index;
@@ -105,21 +106,21 @@ inline void* TqListItems<T, Stored>::ToSlot(Pointer item) {
 }
 
 template <class T, class Stored>
-inline TqListWalk<T, Stored>::TqListWalk() : list(nullptr), index(0) {}
+TQ_ALWAYS_INLINE TqListWalk<T, Stored>::TqListWalk() : list(nullptr), index(0) {}
 
 template <class T, class Stored>
-inline TqListWalk<T, Stored>::TqListWalk(const TqBaseList& walked) : list(&walked), index(1) {
+TQ_ALWAYS_INLINE TqListWalk<T, Stored>::TqListWalk(const TqBaseList& walked) : list(&walked), index(1) {
     ++list->walkDepth;
 }
 
 template <class T, class Stored>
-inline TqListWalk<T, Stored>::TqListWalk(const TqListWalk& other)
+TQ_ALWAYS_INLINE TqListWalk<T, Stored>::TqListWalk(const TqListWalk& other)
     : list(other.list), index(other.index) {
     if (list != nullptr) ++list->walkDepth;
 }
 
 template <class T, class Stored>
-inline TqListWalk<T, Stored>& TqListWalk<T, Stored>::operator=(const TqListWalk& other) {
+TQ_ALWAYS_INLINE TqListWalk<T, Stored>& TqListWalk<T, Stored>::operator=(const TqListWalk& other) {
     if (other.list != nullptr) ++other.list->walkDepth;
     if (list != nullptr) --list->walkDepth;
     list = other.list;
@@ -128,37 +129,37 @@ inline TqListWalk<T, Stored>& TqListWalk<T, Stored>::operator=(const TqListWalk&
 }
 
 template <class T, class Stored>
-inline TqListWalk<T, Stored>::~TqListWalk() {
+TQ_ALWAYS_INLINE TqListWalk<T, Stored>::~TqListWalk() {
     if (list != nullptr) --list->walkDepth;
 }
 
 template <class T, class Stored>
-inline T* TqListWalk<T, Stored>::operator*() const {
+TQ_ALWAYS_INLINE T* TqListWalk<T, Stored>::operator*() const {
     return TqListItems<T, Stored>::In(*list, index);
 }
 
 template <class T, class Stored>
-inline TqListWalk<T, Stored>& TqListWalk<T, Stored>::operator++() {
+TQ_ALWAYS_INLINE TqListWalk<T, Stored>& TqListWalk<T, Stored>::operator++() {
     ++index;
     return *this;
 }
 
 template <class T, class Stored>
-inline TqListWalk<T, Stored> TqListWalk<T, Stored>::operator++(int) {
+TQ_ALWAYS_INLINE TqListWalk<T, Stored> TqListWalk<T, Stored>::operator++(int) {
     const TqListWalk before(*this);
     ++index;
     return before;
 }
 
 template <class T, class Stored>
-inline bool TqListWalk<T, Stored>::operator==(const TqListWalk& other) const {
-    if (HasEnded() || other.HasEnded()) return HasEnded() == other.HasEnded();
-    return list == other.list && index == other.index;
+TQ_ALWAYS_INLINE bool TqListWalk<T, Stored>::operator==(const TqListWalk& other) const {
+    return !(*this != other);
 }
 
 template <class T, class Stored>
-inline bool TqListWalk<T, Stored>::operator!=(const TqListWalk& other) const {
-    return !(*this == other);
+TQ_ALWAYS_INLINE bool TqListWalk<T, Stored>::operator!=(const TqListWalk& other) const {
+    if (other.list == nullptr) return !HasEnded();
+    return HasEnded() != other.HasEnded() || (!HasEnded() && index != other.index);
 }
 
 #endif
