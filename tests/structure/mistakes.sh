@@ -154,4 +154,36 @@ expect "a handle is taken for a number" 1 "conver" <<END
 #include "ports.h"
 int f(TqRef<Port>& port) { return port; }
 END
+expect "a plain number is taken for a value with a text" 1 "TqText takes a value" <<END
+#include "ports.h"
+TqString f() { return TqText(5); }
+END
+expect "a date is written" 1 "have no item" <<END
+#include "ports.h"
+void f(TqBuffer& buffer, TqDateTime& date) { TqWrite(buffer, 1, date); }
+END
+expect "an object identifier is read" 1 "have no item" <<END
+#include "ports.h"
+bool f(TqBuffer& buffer, TqSnmpOid& oid) { return TqRead(buffer, oid); }
+END
+expect "a fraction is written that its item would lose" 1 "have an item" <<END
+#include "ports.h"
+void f(TqBuffer& buffer) { TqWrite(buffer, 3.75); }
+END
+expect "an address is written" 1 "have an item" <<END
+#include "ports.h"
+void f(TqBuffer& buffer, TqIpAddress& address) { TqWrite(buffer, address); }
+END
+expect "a text is parsed into what has no strict parser" 1 "TqParse takes" <<END
+#include "ports.h"
+bool f(TqString& string) { return TqParse("5", string); }
+END
+expect "what is called wants another argument" 1 "TqCallableCb calls" <<END
+#include "ports.h"
+void f() { TqCallableCb callback([](int) {}); }
+END
+expect "a callable goes into a chain without a callback" 2 "$another" <<END
+#include "ports.h"
+void f(TqCallbackChain& chain) { chain.Append([] {}); }
+END
 exit $failed
