@@ -1,10 +1,17 @@
 #include "Agent.h"
 
+#include <unistd.h>
+
 #include "TqClassInfo.h"
 
 // A function as a listener; the counter to count up is its user data.
 static void CountChange(TqFunctionCb* callback, TqBaseObject*, TqCallbackData*) {
     ++static_cast<TqCounter*>(callback->UserData())->count;
+}
+
+bool View::Wait(unsigned int seconds) {
+    sleep(seconds);
+    return true;
 }
 
 Agent::Agent(View& shownBy) : view(shownBy), countChange(CountChange, &changeCount) {

@@ -22,6 +22,7 @@ public:
     View() : TqCallback(nullptr) {}
     virtual void BeginPoll(const Poll& poll, const char* path, const Configuration&) = 0;
     virtual void EndPoll() {}
+    virtual bool Wait(unsigned int seconds);              ///< between two polls; false to end
     virtual void Finish(unsigned int /*changeCount*/) {}  ///< after the last poll
 };
 

@@ -117,6 +117,16 @@ TqSnmpOid Interface::Oid(unsigned int value) const {
     return oid;
 }
 
+const char* Interface::OperStatus() const {
+    if (!upIsKnown) return "4";
+    return int(up) != 0 ? "1" : "2";
+}
+
+const char* Interface::StateText() const {
+    if (!upIsKnown) return "unknown";
+    return int(up) != 0 ? "up" : "down";
+}
+
 TqIpAddress Subnet::NetworkOf(const TqIpAddress& other) const {
     TqIpAddress network(other);
     network.LogicalAND(mask);

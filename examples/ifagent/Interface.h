@@ -48,6 +48,8 @@ public:
     bool Parse(char* line);
 
     TqSnmpOid Oid(unsigned int value) const;  ///< that of a value in the managers' table
+    const char* OperStatus() const;           ///< `up` as the number in that table
+    const char* StateText() const;            ///< and as its name there
 
     InterfaceName name;
     TqNumber index;

@@ -19,9 +19,8 @@ TqString Quoted(const char* text) {
 
 TqString ValueOf(const Interface& interface, unsigned int value) {
     if (value == nameValue) return Quoted(interface.name.data);
-    if (value != upValue) return TextOf(*interface.values[value]);
-    if (!interface.upIsKnown) return Quoted("unknown");
-    return Quoted(int(interface.up) != 0 ? "up" : "down");
+    if (value == upValue) return Quoted(interface.StateText());
+    return TextOf(*interface.values[value]);
 }
 
 void PrintInterface(const Interface& interface) {

@@ -44,7 +44,7 @@ TqString TypeAndValue(const Interface& interface, unsigned int value) {
     if (value == nameValue) return TqString("string\n") + interface.name.data;
     TqString text("integer\n");
     if (value == indexValue) return text + TextOf(interface.index).data;
-    return text + (!interface.upIsKnown ? "4" : int(interface.up) != 0 ? "1" : "2");
+    return text + interface.OperStatus();
 }
 
 TqString Answer(const Table& table, const char* text, bool isNext) {
@@ -84,7 +84,7 @@ void PassPersist::Serve(Agent& agent, const Sources& sources) {
         if (strcmp(line, "PING") == 0) {
             puts("PONG");
         } else if (strcmp(line, "set") == 0) {
-            if (NextLine(operand) && NextLine(operand)) puts("not-writable");
+            if (NextLine(operand) && NextLine(line)) puts("not-writable");
         } else if (!isNext && strcmp(line, "get") != 0) {
             Complain("\"%.80s\" is no command", line);
             puts("NONE");

@@ -4,17 +4,19 @@
 #include <errno.h>
 #include <getopt.h>
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
-#include <unistd.h>
 
 #include <algorithm>
 
 #include "DevelopmentAssert.h"
 #include "Download.h"
 #include "Json.h"
+#include "Notifier.h"
 #include "PassPersist.h"
 #include "Report.h"
 #include "TqClassRegistry.h"
+#include "Watch.h"
 
 namespace {
 
@@ -29,6 +31,9 @@ const char usage[] =
     "                     (default: each FILE once)\n"
     "  -1, --once         poll once, the same as --count 1\n"
     "  -j, --json         print a line of JSON for each poll, with its changes, and nothing else\n"
+    "  -w, --watch        show bytes a second, drawn anew with each poll, until Ctrl-C; piped, "
+    "lines\n"
+    "      --no-color     without colours; NO_COLOR in the environment says the same\n"
     "  -p, --pass-persist serve the table to an SNMP daemon that has started this program\n"
     "  -i, --items        show the bytes that are sent\n"
     "  -o, --oids         show each value with its object identifier\n"
@@ -49,6 +54,8 @@ const option longOptions[] = {
     {"once", no_argument, nullptr, '1'},
     {"json", no_argument, nullptr, 'j'},
     {"pass-persist", no_argument, nullptr, 'p'},
+    {"watch", no_argument, nullptr, 'w'},
+    {"no-color", no_argument, nullptr, 'C'},
     {"help", no_argument, nullptr, 'h'},
     {nullptr, 0, nullptr, 0},
 };
@@ -63,13 +70,15 @@ struct CommandLine {
     const char* tftpServer;  // where that is, if not here
     int pollCount;           // 0 until said
     char mode;               // the letter of the option that says what to do; 0 for the report
+    bool colour;
 };
 
 // Takes over one option. False after a complaint.
 bool TakeOption(int letter, int argc, char** argv, CommandLine& commandLine, Report& report) {
     if (letter == 'i') report.showItems = true;
     if (letter == 'o') report.showOids = true;
-    if (strchr("mhjp", letter) != nullptr) commandLine.mode = static_cast<char>(letter);
+    if (strchr("mhjpw", letter) != nullptr) commandLine.mode = static_cast<char>(letter);
+    if (letter == 'C') commandLine.colour = false;
     if (letter == '1') commandLine.pollCount = 1;
     if (letter == 'c') {
         commandLine.configPath = optarg;
@@ -111,20 +120,26 @@ bool ReadConfiguration(const CommandLine& commandLine, Configuration& configurat
 void Run(const CommandLine& commandLine, const Sources& sources, Report& report) {
     Json json;
     PassPersist service;
+    Watch watch(commandLine.colour);
     View* view = &report;
     if (commandLine.mode == 'j') view = &json;
     if (commandLine.mode == 'p') view = &service;
+    if (commandLine.mode == 'w') view = &watch;
     Agent agent(*view);
     if (!ReadConfiguration(commandLine, agent.configuration)) return;
     if (!agent.configuration.poll) {
         if (commandLine.mode == 0) printf("poll is off: nothing to do\n");
         return;
     }
+    Notifier notifier(agent.configuration);
+    if (agent.configuration.manager.IsNotEmpty()) agent.Listen(notifier);
     if (commandLine.mode == 'p') return service.Serve(agent, sources);
-    const int pollCount =
-        commandLine.pollCount > 0 ? commandLine.pollCount : std::max(sources.count, 1);
+    int pollCount = std::max(sources.count, 1);
+    if (commandLine.mode == 'w' && sources.count == 0) pollCount = mostPolls;
+    if (commandLine.pollCount > 0) pollCount = commandLine.pollCount;
     for (int i = 0; i < pollCount; ++i) {
-        if (i > 0) sleep(static_cast<unsigned int>(agent.configuration.interval.value));
+        if (i > 0 && !view->Wait(static_cast<unsigned int>(int(agent.configuration.interval))))
+            break;
         agent.PollOnce(sources.Path(i));
     }
     agent.Finish();
@@ -141,8 +156,10 @@ int main(int argc, char** argv) {
     argv[0] = programName;  // for the complaints of getopt
     Report report;
     CommandLine commandLine = CommandLine();
+    const char* noColour = getenv("NO_COLOR");
+    commandLine.colour = noColour == nullptr || *noColour == '\0';
     int letter = 0;
-    while ((letter = getopt_long(argc, argv, "c:t:n:1ijpomh", longOptions, nullptr)) != -1) {
+    while ((letter = getopt_long(argc, argv, "c:t:n:1ijpwomh", longOptions, nullptr)) != -1) {
         if (TakeOption(letter, argc, argv, commandLine, report)) continue;
         fprintf(stderr, "Try \"ifagent --help\".\n");
         return exitUsage;
