@@ -81,10 +81,12 @@ install() (
         trap '"${sudo[@]}" rm -f $policy' EXIT
         forbid_services
     fi
-    status=0
+    local server status=0
     quietly "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -y \
         -o DPkg::Lock::Timeout=300 install --no-install-recommends --no-remove "$@" || status=1
-    case " $* " in *' tftpd-hpa '*) "${sudo[@]}" update-rc.d tftpd-hpa disable 2>/dev/null ;; esac
+    for server in tftpd-hpa snmpd snmptrapd; do
+        [[ " $* " != *" $server "* ]] || "${sudo[@]}" update-rc.d $server disable 2>/dev/null
+    done
     exit $status
 )
 

@@ -16,7 +16,7 @@
 
 #include "DevelopmentAssert.h"
 #include "Download.h"
-#include "ifagent/Agent.h"
+#include "ifagent/Report.h"
 
 namespace {
 
@@ -77,7 +77,8 @@ bool IsOfChange(const Configuration& configuration, int change) {
 bool Live(const char* server, int change, int polls, const char* interface) {
     char name[32];
     snprintf(name, sizeof name, "change-%d", change);
-    Agent agent;
+    Report report;
+    Agent agent(report);
     LineReader reader(name);
     TqString complaint;
     if (!Download(server, name, reader.text, complaint)) return Complain("%s", complaint.data);
@@ -93,7 +94,7 @@ bool Live(const char* server, int change, int polls, const char* interface) {
         }
         agent.PollOnce(procNetDev);
     }
-    agent.PrintSummary();
+    agent.Finish();
     return true;
 }
 
