@@ -9,7 +9,6 @@
 
 #include "Agent.h"
 #include "DevelopmentAssert.h"
-#include "Download.h"
 #include "TqClassRegistry.h"
 
 namespace {
@@ -79,13 +78,12 @@ bool ReadConfiguration(const CommandLine& commandLine, Configuration& configurat
     const char* path = commandLine.configPath;
     const char* server = commandLine.tftpServer;
     LineReader reader(path);
-    TqString complaint;
     if (path == nullptr) {
         reader.text.Append(reinterpret_cast<const unsigned char*>(defaults), sizeof defaults - 1);
     } else if (server == nullptr) {
         if (!reader.ReadFile()) return false;
     } else {
-        if (!Download(server, path, reader.text, complaint)) return Complain("%s", complaint.data);
+        if (!reader.Fetch(server)) return false;
         printf("configuration: %s, %u bytes from %s\n\n", path, reader.text.length, server);
     }
     configuration.Read(reader);

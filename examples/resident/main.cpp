@@ -15,7 +15,6 @@
 #include <unistd.h>
 
 #include "DevelopmentAssert.h"
-#include "Download.h"
 #include "ifagent/Agent.h"
 
 namespace {
@@ -79,8 +78,7 @@ bool Live(const char* server, int change, int polls, const char* interface) {
     snprintf(name, sizeof name, "change-%d", change);
     Agent agent;
     LineReader reader(name);
-    TqString complaint;
-    if (!Download(server, name, reader.text, complaint)) return Complain("%s", complaint.data);
+    if (!reader.Fetch(server)) return false;
     agent.configuration.Read(reader);
     if (!IsOfChange(agent.configuration, change)) {
         fprintf(stderr, "resident: %s holds another configuration\n", name);
