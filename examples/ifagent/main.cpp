@@ -8,8 +8,8 @@
 #include <algorithm>
 
 #include "Agent.h"
-#include "DevelopmentAssert.h"
 #include "TqClassRegistry.h"
+#include "TqDevelopmentAssert.h"
 
 namespace {
 
@@ -109,7 +109,7 @@ void Run(const CommandLine& commandLine, Agent& agent, char** paths, int pathCou
 
 int main(int argc, char** argv) {
     setvbuf(stdout, nullptr, _IOLBF, 0);  // in step with the complaints, also in a pipe
-    InstallDevelopmentAssert();
+    TqDevelopmentAssert::Install();
     RegisterMonitorClasses();
 
     static char programName[] = "ifagent";
@@ -129,5 +129,5 @@ int main(int argc, char** argv) {
     } else {
         Run(commandLine, agent, argv + optind, argc - optind);
     }
-    return complaintCount + DevelopmentAssertCount() == 0 ? exitOk : exitComplaints;
+    return complaintCount + TqDevelopmentAssert::Count() == 0 ? exitOk : exitComplaints;
 }

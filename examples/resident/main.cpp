@@ -14,7 +14,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include "DevelopmentAssert.h"
+#include "TqDevelopmentAssert.h"
 #include "ifagent/Agent.h"
 
 namespace {
@@ -108,7 +108,7 @@ int main(int argc, char** argv) {
         fprintf(stderr, "usage: resident SERVER CHANGES POLLS INTERFACE\n");
         return 2;
     }
-    InstallDevelopmentAssert();
+    TqDevelopmentAssert::Install();
     RegisterMonitorClasses();
     const int changes = atoi(argv[2]);
     const int polls = atoi(argv[3]);
@@ -122,6 +122,6 @@ int main(int argc, char** argv) {
     }
     const bool isFlat = IsFlat(settled, AskTheKernel());
     fprintf(stderr, "memory %s; %u complaints, %u failed checks\n",
-            isFlat ? "is flat" : "HAS GROWN", complaintCount, DevelopmentAssertCount());
-    return isFlat && complaintCount + DevelopmentAssertCount() == 0 ? 0 : 1;
+            isFlat ? "is flat" : "HAS GROWN", complaintCount, TqDevelopmentAssert::Count());
+    return isFlat && complaintCount + TqDevelopmentAssert::Count() == 0 ? 0 : 1;
 }
