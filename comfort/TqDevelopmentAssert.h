@@ -25,6 +25,11 @@
 /// functions. What is behind the name is for "addr2line -Cfie FILE OFFSET". Where the C library
 /// tells nothing of calls there are none.
 ///
+/// A program that was built without it has it by preloading libtqreports.so:
+///
+///     LD_PRELOAD=libtqreports.so myprogram
+///     LD_PRELOAD=libtqreports.so TQ_REPORTS=abort myprogram
+///
 /// The words come first and need no memory; the names of the calls do.
 /// Lock: reports of several threads are printed one after the other.
 class TQ_API TqDevelopmentAssert {
