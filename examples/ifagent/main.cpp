@@ -9,13 +9,12 @@
 
 #include <algorithm>
 
-#include "DevelopmentAssert.h"
-#include "Download.h"
 #include "Json.h"
 #include "Notifier.h"
 #include "PassPersist.h"
 #include "Report.h"
 #include "TqClassRegistry.h"
+#include "TqDevelopmentAssert.h"
 #include "Watch.h"
 
 namespace {
@@ -102,13 +101,12 @@ bool ReadConfiguration(const CommandLine& commandLine, Configuration& configurat
     const char* path = commandLine.configPath;
     const char* server = commandLine.tftpServer;
     LineReader reader(path);
-    TqString complaint;
     if (path == nullptr) {
         reader.text.Append(reinterpret_cast<const unsigned char*>(defaults), sizeof defaults - 1);
     } else if (server == nullptr) {
         if (!reader.ReadFile()) return false;
     } else {
-        if (!Download(server, path, reader.text, complaint)) return Complain("%s", complaint.data);
+        if (!reader.Fetch(server)) return false;
         if (commandLine.mode == 0) {
             printf("configuration: %s, %u bytes from %s\n\n", path, reader.text.length, server);
         }
@@ -149,7 +147,7 @@ void Run(const CommandLine& commandLine, const Sources& sources, Report& report)
 
 int main(int argc, char** argv) {
     setvbuf(stdout, nullptr, _IOLBF, 0);  // in step with the complaints, also in a pipe
-    InstallDevelopmentAssert();
+    TqDevelopmentAssert::Install();
     RegisterMonitorClasses();
 
     static char programName[] = "ifagent";
@@ -172,5 +170,5 @@ int main(int argc, char** argv) {
         Run(commandLine, {argv + optind, argc - optind}, report);
     }
     if (fflush(stdout) != 0 || ferror(stdout) != 0) Complain("output: %s", strerror(errno));
-    return complaintCount + DevelopmentAssertCount() == 0 ? exitOk : exitComplaints;
+    return complaintCount + TqDevelopmentAssert::Count() == 0 ? exitOk : exitComplaints;
 }

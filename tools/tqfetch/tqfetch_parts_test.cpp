@@ -23,6 +23,7 @@
 #include "Progress.h"
 #include "SystemCalls.h"
 #include "TargetFile.h"
+#include "TqDownload.h"
 
 namespace {
 
@@ -211,11 +212,11 @@ TEST(TqfetchOutcome, TheServersWordsStandBesideItsCode) {
 }
 
 TEST(TqfetchOutcome, WhatTookTooLongOrIsTooLargeSaysSo) {
-    ExpectOutcome(SilenceOutcome(1), 4, "no new block for 1 second");
-    ExpectOutcome(SilenceOutcome(2), 4, "no new block for 2 seconds");
-    ExpectOutcome(DeadlineOutcome(1), 10, "not complete after 1 second");
-    ExpectOutcome(DeadlineOutcome(86400), 10, "not complete after 86400 seconds");
-    ExpectOutcome(TooLargeOutcome(), 5,
+    ExpectOutcome(OutcomeOf(TqDownload::silent, "", 1), 4, "no new block for 1 second");
+    ExpectOutcome(OutcomeOf(TqDownload::silent, "", 2), 4, "no new block for 2 seconds");
+    ExpectOutcome(OutcomeOf(TqDownload::late, "", 1), 10, "not complete after 1 second");
+    ExpectOutcome(OutcomeOf(TqDownload::late, "", 86400), 10, "not complete after 86400 seconds");
+    ExpectOutcome(OutcomeOf(TqDownload::tooLarge), 5,
                   "the file is larger than TFTP allows: 65,535 blocks of 512 bytes, the last one "
                   "short (33,553,919 bytes)");
 }
@@ -321,25 +322,25 @@ TEST_F(TqfetchProgressLine, TellsEverySecondOfAWait) {
     progress.Update(512);
     errors.Take();
     Pass(999);
-    Progress::ShowWaiting();
+    progress.ShowWaiting();
     EXPECT_EQ(errors.Take(), "");
     Pass(1);
-    Progress::ShowWaiting();
+    progress.ShowWaiting();
     EXPECT_EQ(errors.Take(), "\r512 bytes  341 B/s  0:01  waiting 1 s");
     Pass(999);
-    Progress::ShowWaiting();
+    progress.ShowWaiting();
     EXPECT_EQ(errors.Take(), "");
     Pass(1);
-    Progress::ShowWaiting();
+    progress.ShowWaiting();
     EXPECT_EQ(errors.Take(), "\r512 bytes  204 B/s  0:02  waiting 2 s");
     Pass(100);
     progress.Update(1024);
     EXPECT_EQ(errors.Take(), "\r1024 bytes  393 B/s  0:02            ");
     Pass(999);
-    Progress::ShowWaiting();
+    progress.ShowWaiting();
     EXPECT_EQ(errors.Take(), "");
     Pass(50);
-    Progress::ShowWaiting();
+    progress.ShowWaiting();
     EXPECT_EQ(errors.Take(), "\r1024 bytes  280 B/s  0:03  waiting 1 s");
 }
 
@@ -351,7 +352,7 @@ TEST_F(TqfetchProgressLine, EndsOnce) {
         EXPECT_EQ(errors.Take(), "\n");
         Progress::EndLine();
         Pass(5000);
-        Progress::ShowWaiting();
+        progress.ShowWaiting();
         progress.End();
     }
     EXPECT_EQ(errors.Take(), "");
@@ -363,10 +364,10 @@ TEST_F(TqfetchProgressLine, ShowsNothingUnlessItIsToBeShown) {
     {
         Progress progress(false);
         Pass(5000);
-        Progress::ShowWaiting();
+        progress.ShowWaiting();
         progress.Update(512);
         Pass(5000);
-        Progress::ShowWaiting();
+        progress.ShowWaiting();
         progress.End();
     }
     EXPECT_EQ(errors.Take(), "");
