@@ -79,7 +79,7 @@ static std::shared_ptr<Device> Made(const std::string& line) {
     if (!(words >> type >> name >> address >> value)) return nullptr;
     const auto found = classes.find(type);
     if (found == classes.end()) return nullptr;
-    const std::shared_ptr<Device> device = found->second();
+    std::shared_ptr<Device> device = found->second();
     const std::uint32_t largest = std::numeric_limits<std::uint32_t>::max();
     if (!ReadAddress(address, device->address) || !ReadNumber(value, largest, device->value)) {
         return nullptr;
