@@ -109,7 +109,8 @@ template <class T, class Stored>
 TQ_ALWAYS_INLINE TqListWalk<T, Stored>::TqListWalk() : list(nullptr), index(0) {}
 
 template <class T, class Stored>
-TQ_ALWAYS_INLINE TqListWalk<T, Stored>::TqListWalk(const TqBaseList& walked) : list(&walked), index(1) {
+TQ_ALWAYS_INLINE TqListWalk<T, Stored>::TqListWalk(const TqBaseList& walked)
+    : list(&walked), index(1) {
     ++list->walkDepth;
 }
 
