@@ -72,6 +72,10 @@ TqString RateText(double rate) {
     return TqString(text);
 }
 
+TqString Cut(const TqString& text, unsigned int width) {
+    return TqString(text.data, std::min(text.length, width));
+}
+
 // The last `width` of a history, its highest value as high as can be.
 TqString Bar(const std::vector<double>& history, size_t width) {
     const size_t shown = std::min(width, history.size());
@@ -184,7 +188,7 @@ TqString Watch::Line(const std::string& name, const Row& row, unsigned int width
     const int nameWidth = isSmall ? std::max(int(width) - 18, 4) : 16;
     snprintf(text, sizeof text, "%-*.*s %7s %7s", nameWidth, nameWidth, name.c_str(), received.data,
              sent.data);
-    TqString line(text);
+    TqString line = Cut(TqString(text), width);
     if (isSmall) return line;
     snprintf(text, sizeof text, "  %-7s", row.state.data);
     line += Coloured(ColourOf(row.state.data), text).data;
@@ -193,16 +197,11 @@ TqString Watch::Line(const std::string& name, const Row& row, unsigned int width
     return line += Bar(row.history, std::min(room, historyLength)).data;
 }
 
-void Watch::Draw() const {
-    winsize size = {};
-    const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-    const unsigned int width = isKnown ? size.ws_col : 80;
-    const size_t height = isKnown ? size.ws_row : 24;
-    const std::string cutTitle(title.data, std::min(title.length, width));
-
-    std::vector<TqString> lines = {Coloured(reverse, cutTitle.c_str())};
+// Of the interfaces as many as there is room for above the changes.
+std::vector<TqString> Watch::Screen(unsigned int width, size_t height) const {
     const Row headings = {TqString("state"), 0, 0, noRate - 1, 0, {}};
-    lines.push_back(Line("interface", headings, width));
+    std::vector<TqString> lines = {Coloured(reverse, Cut(title, width).data),
+                                   Line("interface", headings, width)};
     const size_t reserved = lines.size() + (fired.empty() ? 0 : fired.size() + 1);
     const size_t room = height > reserved ? height - reserved : 0;
     size_t shown = 0;
@@ -217,14 +216,19 @@ void Watch::Draw() const {
         lines.back() += " more";
     }
     if (!fired.empty()) lines.push_back(TqString());
-    for (const TqString& text : fired) {
-        const std::string cut(text.data, std::min(text.length, width));
-        lines.push_back(Coloured(yellow, cut.c_str()));
-    }
+    for (const TqString& text : fired) lines.push_back(Coloured(yellow, Cut(text, width).data));
+    lines.resize(std::min(lines.size(), height));
+    return lines;
+}
 
-    fputs("\033[H", stdout);
-    for (size_t i = 0; i < std::min(lines.size(), height); ++i) {
-        printf("%s%s\033[K", i == 0 ? "" : "\n", lines[i].data);
+// From the upper left corner, what was there before cleared to the right and below.
+void Watch::Draw() const {
+    winsize size = {};
+    const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    const char* lineEnd = "\033[H";
+    for (const TqString& line : isKnown ? Screen(size.ws_col, size.ws_row) : Screen(80, 24)) {
+        printf("%s%s\033[K", lineEnd, line.data);
+        lineEnd = "\n";
     }
     fputs("\033[J", stdout);
     fflush(stdout);

@@ -34,6 +34,7 @@ private:
     double SecondsSince(const char* path, const Configuration& configuration);
     void PrintLines() const;
     void Draw() const;
+    std::vector<TqString> Screen(unsigned int width, size_t height) const;
     TqString Line(const std::string& name, const Row& row, unsigned int width) const;
     TqString Coloured(const char* colour, const char* text) const;
 

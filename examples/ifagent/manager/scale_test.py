@@ -76,7 +76,7 @@ def check_polls(agent, count, *files):
         process.stdin.write(f"getnext\n{ENTRY}\n")
         process.stdin.flush()
         assert [process.stdout.readline() for _ in range(3)][1] == "integer\n"
-        if poll == count // 10:
+        if poll == count // 2:
             settled[process.pid] = resident(process.pid)
     check_growth(f"{count} polls of {files[-1] if files else 'the kernel'}", settled, [process.pid])
     process.stdin.close()
@@ -107,7 +107,9 @@ def check_walks(agent, count, pairs):
             assert shown == expected, f"walk {walk}: {set(shown) ^ set(expected)}"
             changed += output != earlier
             earlier = output
-            if walk == count // 10:
+            if walk * 10 // count > (walk - 1) * 10 // count:
+                print(f"{walk:5} walks: {[resident(pid) for pid in pids]} KiB", flush=True)
+            if walk == count // 2:  # memory that is used and given back takes a while to settle
                 settled = {pid: resident(pid) for pid in pids}
     finally:
         stopped.set()
