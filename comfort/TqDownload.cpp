@@ -17,6 +17,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
+#include <memory>
 
 #include "TqTftp.h"
 #include "TqTftpText.h"
@@ -143,7 +144,7 @@ class Lookup {
 public:
     enum State { asking, done };
 
-    explicit Lookup(const char* server) : state(asking), holders(2), name(server) {}
+    explicit Lookup(const char* server) : state(asking), name(server) {}
 
     // Returns 0 or what getaddrinfo says.
     int Ask(int flags) {
@@ -162,16 +163,14 @@ public:
         return 0;
     }
 
-    static void* Run(void* lookup) {
-        Lookup* own = static_cast<Lookup*>(lookup);
-        own->Ask(0);
-        own->state.Set(done);
-        own->Drop();
-        return nullptr;
-    }
+    // What a thread gets: a pointer of its own, which it deletes.
+    typedef std::shared_ptr<Lookup> Holder;
 
-    void Drop() {
-        if (--holders == 0) delete this;
+    static void* Run(void* holder) {
+        const std::unique_ptr<Holder> own(static_cast<Holder*>(holder));
+        (*own)->Ask(0);
+        (*own)->state.Set(done);
+        return nullptr;
     }
 
     const char* Problem() const {
@@ -183,20 +182,8 @@ public:
     int error = 0;
 
 private:
-    std::atomic<int> holders;
     const TqString name;
     int systemError = 0;
-};
-
-// Drops it when the one who waits leaves, however that is.
-class LookupHolder {
-public:
-    explicit LookupHolder(const char* server) : lookup(*new Lookup(server)) {}
-    ~LookupHolder() { lookup.Drop(); }
-    LookupHolder(const LookupHolder&) = delete;
-    LookupHolder& operator=(const LookupHolder&) = delete;
-
-    Lookup& lookup;
 };
 
 // The client's socket is found by what is new among the descriptors after it was opened: the client
@@ -467,27 +454,24 @@ unsigned int TqDownload::FindServer() {
 }
 
 unsigned int TqDownload::AwaitAddress() {
-    const LookupHolder holder(server.data);
-    Lookup& lookup = holder.lookup;
+    const Lookup::Holder lookup = std::make_shared<Lookup>(server.data);
     // An address in figures needs no thread, as nobody is asked.
-    if (lookup.Ask(AI_NUMERICHOST) == 0) {
-        lookup.Drop();
-        address = lookup.address;
+    if (lookup->Ask(AI_NUMERICHOST) == 0) {
+        address = lookup->address;
         return result;
     }
+    std::unique_ptr<Lookup::Holder> threads(new Lookup::Holder(lookup));
     pthread_t thread;
-    const int error = StartThread(thread, Lookup::Run, &lookup);
-    if (error != 0) {
-        lookup.Drop();
-        return End(noThread, std::strerror(error));
-    }
+    const int error = StartThread(thread, Lookup::Run, threads.get());
+    if (error != 0) return End(noThread, std::strerror(error));
+    static_cast<void>(threads.release());
     pthread_detach(thread);
-    while (lookup.state.AwaitOther(Lookup::asking, TimeLeft(begun)) != Lookup::done) {
+    while (lookup->state.AwaitOther(Lookup::asking, TimeLeft(begun)) != Lookup::done) {
         if (!IsOver(begun)) continue;
         return result == silent ? End(silent, "no answer from the name service") : result;
     }
-    if (lookup.error != 0) return End(noServer, lookup.Problem());
-    address = lookup.address;
+    if (lookup->error != 0) return End(noServer, lookup->Problem());
+    address = lookup->address;
     return result;
 }
 
