@@ -9,13 +9,15 @@ packages_of() {
     case $1 in
         demo) echo cmake ninja-build g++ ;;
         lint) echo g++ clang-format clang-tidy shellcheck ;;
-        load) echo g++ binutils python3 libglib2.0-0 libqt5core5a ;;
+        bench) echo g++ binutils python3 strace tftpd-hpa dnsmasq-base tftp-hpa atftp curl ;;
         *) echo cmake ninja-build g++ googletest pkg-config tftpd-hpa dnsmasq-base ;;
     esac
     case $1 in
         dev | clang) echo clang gdb libsnmp-dev ;;
         asan) echo libsnmp-dev ;;
-        release) echo clang gdb libbenchmark-dev ;;
+        release)
+            echo clang gdb libsnmp-dev libglib2.0-dev libboost-dev libsigc++-2.0-dev qtbase5-dev
+            ;;
         coverage) echo gcovr ;;
         i686) echo g++-i686-linux-gnu ;;
         powerpc) echo g++-powerpc-linux-gnu qemu-user ;;
@@ -37,7 +39,12 @@ tool_of() {
         libsnmp-dev) echo /usr/include/net-snmp/net-snmp-includes.h ;;
         tftpd-hpa) echo /usr/sbin/in.tftpd ;;
         dnsmasq-base) echo /usr/sbin/dnsmasq ;;
-        libbenchmark-dev) echo /usr/include/benchmark/benchmark.h ;;
+        libglib2.0-dev) echo /usr/include/glib-2.0/glib-object.h ;;
+        libboost-dev) echo /usr/include/boost/version.hpp ;;
+        libsigc++-2.0-dev) echo /usr/include/sigc++-2.0/sigc++/sigc++.h ;;
+        qtbase5-dev) echo qmake ;;
+        tftp-hpa) echo tftp ;;
+        binutils) echo readelf ;;
         g++-*) echo "${1#g++-}-g++" ;;
         *) echo "$1" ;;
     esac
