@@ -1,3 +1,4 @@
+#define TQ_STRING_BODY
 #include "TqString.h"
 
 #include <cctype>
@@ -5,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "internal/TqDigits.h"
 #include "internal/TqItem.h"
 #include "internal/TqPrivate.h"
 
@@ -36,6 +38,25 @@ int LowerCase(char c) {
     return std::tolower(static_cast<unsigned char>(c));
 }
 
+typedef std::size_t Word;
+
+bool HasZeroByte(Word word) {
+    const Word ones = ~Word(0) / 0xFF;
+    return ((word - ones) & ~word & (ones << 7)) != 0;
+}
+
+// Copies a text of at most `count` characters, up to its first NUL. It is short and lies elsewhere:
+// a call would take longer than the copy, and the NUL is found on the way.
+void CopyShortText(char* to, const char* text, unsigned int count) {
+    unsigned int i = 0;
+    for (Word word; i + sizeof word <= count; i += sizeof word) {
+        std::memcpy(&word, text + i, sizeof word);
+        if (HasZeroByte(word)) break;
+        std::memcpy(to + i, &word, sizeof word);
+    }
+    for (; i < count && text[i] != '\0'; ++i) to[i] = text[i];
+}
+
 // Copies the text, up to its first NUL or `count` characters, and fills up with NULs so that
 // to[count] is one too. The text may overlap its new place.
 void CopyText(char* to, const char* text, unsigned int count) {
@@ -44,9 +65,15 @@ void CopyText(char* to, const char* text, unsigned int count) {
     std::memset(to + copied, 0, count - copied + 1);
 }
 
-char* NewBlock(const char* text, unsigned int count) {
+// A block for `count` characters with those of the text. `isWhole` says that no NUL is among them.
+char* NewBlock(const char* text, unsigned int count, bool isWhole) {
     char* block = static_cast<char*>(std::malloc(std::size_t(count) + 1));
-    CopyText(block, text, count);
+    if (isWhole) {
+        std::memcpy(block, text, count);
+        block[count] = '\0';
+    } else {
+        CopyText(block, text, count);
+    }
     return block;
 }
 
@@ -56,26 +83,45 @@ void TakeBlock(TqString& string, char* block, unsigned int count) {
     string.capacity = count + 1;
 }
 
+// Word by word: where code is built for size, a library call would take longer.
+void ZeroInternalData(TqString& string) {
+    const Word zero = 0;
+    for (unsigned int i = 0; i < internalCapacity; i += sizeof zero) {
+        std::memcpy(string.internalData + i, &zero, sizeof zero);
+    }
+    string.internalData[internalCapacity] = '\0';
+}
+
+// Puts a text that fits and lies elsewhere inside the object.
+void PutInside(TqString& string, const char* text, unsigned int count) {
+    ZeroInternalData(string);
+    CopyShortText(string.internalData, text, count);
+    string.length = count;
+}
+
 // What the constructors share: the storage is chosen from nothing.
-void Construct(TqString& string, const char* text, unsigned int count) {
-    std::memset(string.internalData, 0, sizeof string.internalData);
+void Construct(TqString& string, const char* text, unsigned int count, bool isWhole) {
     if (count > constructedInside) {
-        TakeBlock(string, NewBlock(text, count), count);
+        ZeroInternalData(string);
+        TakeBlock(string, NewBlock(text, count, isWhole), count);
         return;
     }
-    CopyText(string.internalData, text, count);
+    PutInside(string, text, count);
     string.data = string.internalData;
-    string.length = count;
     string.capacity = internalCapacity;
 }
 
 // What the assignments share: the present storage is kept when the text fits. Bytes of a heap block
 // behind its text are always NULs, so those of a longer old text go.
-void Assign(TqString& string, const char* text, unsigned int count) {
+void Assign(TqString& string, const char* text, unsigned int count, bool isWhole) {
     if (count >= string.capacity) {
-        char* block = NewBlock(text, count);
+        char* block = NewBlock(text, count, isWhole);
         FreeBlock(string);
         TakeBlock(string, block, count);
+        return;
+    }
+    if (IsInternal(string) && !TqLiesIn(text, string.internalData, sizeof string.internalData)) {
+        PutInside(string, text, count);
         return;
     }
     CopyText(string.data, text, count);
@@ -100,21 +146,33 @@ void Grow(TqString& string, unsigned int length) {
     string.capacity = capacity;
 }
 
-// Appends characters that do not lie in the string itself.
+// Fewer characters than this are copied one by one, which takes less than a call.
+const unsigned int shortCopy = 8;
+
+// Appends characters that do not overlap their new place.
 void AppendText(TqString& string, const char* text, unsigned int count) {
     Grow(string, string.length + count);
-    TqCopyBytes(string.data + string.length, text, count);
+    if (count < shortCopy) {
+        for (unsigned int i = 0; i < count; ++i) string.data[string.length + i] = text[i];
+    } else {
+        std::memcpy(string.data + string.length, text, count);
+    }
     string.length += count;
     string.data[string.length] = '\0';
 }
 
 }  // namespace
 
+const char tqDigitPairs[] =
+    "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+    "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+    "8081828384858687888990919293949596979899";
+
 short TqString::typeId = ownTypeId;
 
 TqString::TqString(const char* text) {
     if (text == nullptr) text = "";
-    Construct(*this, text, static_cast<unsigned int>(std::strlen(text)));
+    Construct(*this, text, static_cast<unsigned int>(std::strlen(text)), true);
 }
 
 TqString::TqString(const char* text, unsigned int count) : data(nullptr), length(0), capacity(0) {
@@ -123,7 +181,7 @@ TqString::TqString(const char* text, unsigned int count) : data(nullptr), length
 }
 
 TqString::TqString(const TqString& other) : TqDataType(other) {
-    Construct(*this, other.data, other.length);
+    Construct(*this, other.data, other.length, false);
 }
 
 TqString::~TqString() {
@@ -139,7 +197,7 @@ TqString& TqString::operator=(const char* text) {
     if (text == nullptr) {
         Clear();
     } else {
-        Assign(*this, text, static_cast<unsigned int>(std::strlen(text)));
+        Assign(*this, text, static_cast<unsigned int>(std::strlen(text)), true);
     }
     return *this;
 }
@@ -156,21 +214,15 @@ void TqString::SetValue(const char* text, unsigned int count) {
     Clear();
     if (text == nullptr || count == 0) return;
     if (count > internalCapacity) {
-        TakeBlock(*this, NewBlock(text, count), count);
+        TakeBlock(*this, NewBlock(text, count, false), count);
         return;
     }
-    CopyText(internalData, text, count);
-    length = count;
+    PutInside(*this, text, count);
 }
 
-void TqString::AppendChar(char c) {
-    Grow(*this, length + 1);
-    data[length] = c;
-    ++length;
-    data[length] = '\0';
-}
-
+// AppendChar comes here when there is no room.
 void TqString::AppendByte(unsigned char c) {
+    Grow(*this, length + 1);
     AppendChar(static_cast<char>(c));
 }
 
@@ -193,13 +245,9 @@ TqString TqString::operator+(const char* text) const {
 }
 
 void TqString::AppendCounter(unsigned int value) {
-    char digits[10];
-    unsigned int first = sizeof digits;
-    do {
-        digits[--first] = static_cast<char>('0' + value % 10);
-        value /= 10;
-    } while (value != 0);
-    AppendText(*this, digits + first, static_cast<unsigned int>(sizeof digits) - first);
+    char digits[tqMostDigits];
+    const char* first = TqPutDigits(digits + sizeof digits, value);
+    AppendText(*this, first, static_cast<unsigned int>(digits + sizeof digits - first));
 }
 
 void TqString::AppendNumber(int value) {
@@ -290,7 +338,7 @@ bool TqString::Equals(const TqDataType* other) const {
 
 void TqString::Assignment(const TqDataType& other) {
     const TqString& string = TqTakenAs<TqString>(other);
-    Assign(*this, string.data, string.length);
+    Assign(*this, string.data, string.length, false);
 }
 
 unsigned int TqString::Length() const {
@@ -301,8 +349,14 @@ void TqString::Free() {
     Clear();
 }
 
+// What assigning the empty text does: it always fits.
 void TqString::Empty() {
-    *this = "";
+    if (IsInternal(*this)) {
+        ZeroInternalData(*this);
+    } else {
+        std::memset(data, 0, length + 1);
+    }
+    length = 0;
 }
 
 bool TqString::IsEmpty() const {
