@@ -40,21 +40,39 @@ unsigned int SmallestMultiple(unsigned int step, unsigned int needed) {
     return step * (needed / step + (needed % step != 0));
 }
 
+void AppendOne(TqSnmpOid& oid, unsigned int number) {
+    if (oid.count >= oid.capacity) oid.CheckAllocSize(oid.count + 1);
+    oid.values[oid.count] = number;
+    ++oid.count;
+}
+
+// The first position below `count` where the two differ, else `count`. Two numbers at a time.
+unsigned int FirstDifference(const unsigned int* a, const unsigned int* b, unsigned int count) {
+    unsigned int i = 0;
+    for (std::uint64_t pairOfA, pairOfB; count - i >= 2; i += 2) {
+        std::memcpy(&pairOfA, a + i, sizeof pairOfA);
+        std::memcpy(&pairOfB, b + i, sizeof pairOfB);
+        if (pairOfA != pairOfB) break;
+    }
+    while (i < count && a[i] == b[i]) ++i;
+    return i;
+}
+
 void Parse(TqSnmpOid& oid, const char* text) {
     if (*text == '\0') return;
     TQ_REPORT_IF(!TqIsDigit(*text));
-    // Append keeps the low 32 bits: those of a number that wraps around at 32 bits.
-    unsigned long number = 0;
-    for (; *text != '\0'; ++text) {
-        if (TqIsDigit(*text)) {
-            number = number * 10 + static_cast<unsigned long>(*text - '0');
-            continue;
+    for (;; ++text) {
+        unsigned int number = 0;
+        for (unsigned int digit; (digit = TqDigitOf(*text)) < 10; ++text) {
+            number = number * 10 + digit;
+        }
+        if (*text == '\0') {
+            AppendOne(oid, number);
+            return;
         }
         TQ_REPORT_IF(*text != '.');
-        oid.Append(number);
-        number = 0;
+        AppendOne(oid, number);
     }
-    oid.Append(number);
 }
 
 template <unsigned int count>
@@ -101,9 +119,7 @@ TqSnmpOid& TqSnmpOid::operator=(const TqSnmpOid& other) {
 }
 
 void TqSnmpOid::Append(unsigned long number) {
-    CheckAllocSize(count + 1);
-    values[count] = static_cast<unsigned int>(number);
-    ++count;
+    AppendOne(*this, static_cast<unsigned int>(number));
 }
 
 void TqSnmpOid::Append(const TqSnmpOid& other) {
@@ -167,7 +183,7 @@ bool TqSnmpOid::IsMalvick() const {
 }
 
 short TqSnmpOid::TypeId() const {
-    NextId(&typeId);
+    if (typeId == 0) NextId(&typeId);
     return typeId;
 }
 
@@ -197,9 +213,9 @@ void TqSnmpOid::FromBuffer(TqBuffer&) {}
 int TqSnmpOid::Compare(const TqDataType& other) const {
     TQ_REPORT_IF(other.TypeId() != TypeId());
     const TqSnmpOid& oid = TqTakenAs<TqSnmpOid>(other);
-    for (unsigned int i = 0; i < count && i < oid.count; ++i) {
-        if (values[i] != oid.values[i]) return values[i] < oid.values[i] ? -1 : 1;
-    }
+    const unsigned int shorter = count < oid.count ? count : oid.count;
+    const unsigned int i = FirstDifference(values, oid.values, shorter);
+    if (i != shorter) return values[i] < oid.values[i] ? -1 : 1;
     return (count > oid.count) - (count < oid.count);
 }
 
