@@ -17,6 +17,24 @@ TqClassInfo* HeldInfo(const ClassList& list, unsigned int index) {
     return static_cast<TqClassInfo*>(static_cast<TqBaseObject*>(TqItemIn(list, index)));
 }
 
+// A name that is looked for. Its end and its last character are compared first: classes that begin
+// alike are told apart there, and most names are passed over without a call.
+class WantedName {
+public:
+    explicit WantedName(const char* name) : text(name), length(std::strlen(name)) {}
+
+    bool Is(const TqString& name) const {
+        if (name.length < length || name.data[length] != '\0') return false;
+        if (length == 0) return true;
+        return name.data[length - 1] == text[length - 1] &&
+               std::memcmp(name.data, text, length - 1) == 0;
+    }
+
+private:
+    const char* text;
+    std::size_t length;
+};
+
 // The walk that every lookup makes. The count is noted once, and a slot is not tested for null: the
 // list holds none.
 template <class Matches>
@@ -25,7 +43,7 @@ TqClassInfo* FirstMatch(const ClassList& list, Matches matches) {
     ++list.walkDepth;
     const unsigned int count = list.count;
     for (unsigned int i = 1; i <= count && found == nullptr; ++i) {
-        TqClassInfo* info = HeldInfo(list, i);
+        TqClassInfo* info = static_cast<TqClassInfo*>(static_cast<TqBaseObject*>(list.slots[i]));
         if (matches(*info)) found = info;
     }
     --list.walkDepth;
@@ -57,9 +75,10 @@ TqClassRegistry* TqClassRegistry::GetRegistry() {
 }
 
 TqClassInfo* TqClassRegistry::ClassInfo(const char* name) const {
-    return FirstMatch(classList, [name](const TqClassInfo& info) {
-        return std::strcmp(info.name.data, name) == 0;
-    });
+    // Nothing is done with the name where there is none to compare it with.
+    if (classList.count == 0) return nullptr;
+    const WantedName wanted(name);
+    return FirstMatch(classList, [&wanted](const TqClassInfo& info) { return wanted.Is(info.name); });
 }
 
 TqBaseObject* TqClassRegistry::NewObject(const char* name) const {
