@@ -75,4 +75,35 @@ protected:
         : TqBaseObject(other), capacity(0), count(0), slots(nullptr), walkDepth(0) {}
 };
 
+#if !defined(TQ_BASE_LIST_BODY) && defined(TQ_COMPILED_IN)
+#define TQ_BASE_LIST_BODY TQ_COMPILED_IN
+#endif
+#ifdef TQ_BASE_LIST_BODY
+
+TQ_BASE_LIST_BODY void TqBaseList::RemoveSlot(unsigned int index) {
+    // No check of the index or the count: derived lists make theirs before they call, and report in
+    // their own name.
+    if (index != count) {
+        __builtin_memmove(slots + index, slots + index + 1, (count - index) * sizeof(void*));
+    }
+    --count;
+}
+
+TQ_BASE_LIST_BODY void TqBaseList::InsertSlot(unsigned int index, void* item) {
+    if (__builtin_expect(item == nullptr, 0)) {
+        TqCallAssert("TqBaseList", __LINE__);
+        return;
+    }
+    ++count;
+    // By 16 entries, whatever `allocInc` says, which applications set to sizes of their own time. By
+    // a step and not by a factor: lists on the device are short and memory is scarce.
+    if (__builtin_expect(count == capacity, 0)) PreAlloc(count + 16);
+    if (count > index) {
+        __builtin_memmove(slots + index + 1, slots + index, (count - index) * sizeof(void*));
+    }
+    slots[index] = item;
+}
+
+#endif
+
 #endif
