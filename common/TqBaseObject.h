@@ -3,6 +3,7 @@
 
 #include "TqDeclareClass.h"
 #include "TqExport.h"
+#include "TqHooks.h"
 #include "TqLinuxMutex.h"
 
 class TqBaseObject;
@@ -73,5 +74,45 @@ public:
 
 /// The factory of `TqBaseObject`: null, a bare base object is never made by name.
 TQ_API TqBaseObject* TqBaseObjectNewFunc();
+
+#if !defined(TQ_BASE_OBJECT_BODY) && defined(TQ_COMPILED_IN)
+#define TQ_BASE_OBJECT_BODY TQ_COMPILED_IN
+#endif
+#ifdef TQ_BASE_OBJECT_BODY
+
+#define TQ_REPORT_COUNT_IF(broken) \
+    if (__builtin_expect(broken, 0)) TqCallAssert("TqBaseObject", __LINE__)
+
+// The checks are unlocked reads, and no failure keeps the count from changing.
+
+TQ_BASE_OBJECT_BODY TQ_READS_ANY_OBJECT void TqBaseObject::IncrementRefCount(TqBaseObject* obj,
+                                                                             unsigned int seq) {
+    if (obj == nullptr) return;
+    TQ_REPORT_COUNT_IF(obj->destroying != 0);
+    TQ_REPORT_COUNT_IF(obj->self != obj);
+    TQ_REPORT_COUNT_IF(obj->seqNum != seq);
+    TQ_REPORT_COUNT_IF(obj->objectMutex.Lock() != 0);
+    ++obj->refCount;
+    TQ_REPORT_COUNT_IF(obj->objectMutex.Unlock() != 0);
+}
+
+TQ_BASE_OBJECT_BODY TQ_READS_ANY_OBJECT int TqBaseObject::DecrementRefCount(TqBaseObject* obj,
+                                                                            unsigned int seq) {
+    if (obj == nullptr) return 0;
+    TQ_REPORT_COUNT_IF(obj->destroying != 0);
+    TQ_REPORT_COUNT_IF(obj->self != obj);
+    TQ_REPORT_COUNT_IF(obj->seqNum != seq);
+    TQ_REPORT_COUNT_IF(obj->objectMutex.Lock() != 0);
+    const bool last = --obj->refCount == 0;
+    if (last) obj->destroying = 1;
+    TQ_REPORT_COUNT_IF(obj->objectMutex.Unlock() != 0);
+    // Only after the unlock: the mutex goes with the object.
+    if (last) delete obj;
+    return last ? 1 : 0;
+}
+
+#undef TQ_REPORT_COUNT_IF
+
+#endif
 
 #endif
