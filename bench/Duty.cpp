@@ -53,8 +53,8 @@ std::string Letters(unsigned int length) {
 std::string Lines(unsigned int count) {
     std::string text;
     for (unsigned int i = 0; i < count; ++i) {
-        text += "eth" + std::to_string(i % 48) + " up 1500 00:0c:29:3e:5a:" +
-                std::to_string(10 + i % 90) + "\n";
+        text += "eth" + std::to_string(i % 48) +
+                " up 1500 00:0c:29:3e:5a:" + std::to_string(10 + i % 90) + "\n";
     }
     return text;
 }

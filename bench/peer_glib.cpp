@@ -53,10 +53,9 @@ const RegisterDuty item("item", "GVariant", [](unsigned int size) -> Work {
                 g_variant_builder_add(&builder, "(is)", firstNumber, text.c_str());
             }
             GVariant* sent = g_variant_ref_sink(g_variant_builder_end(&builder));
-            GVariant* received = g_variant_new_from_data(G_VARIANT_TYPE("a(is)"),
-                                                         g_variant_get_data(sent),
-                                                         g_variant_get_size(sent), FALSE, nullptr,
-                                                         nullptr);
+            GVariant* received =
+                g_variant_new_from_data(G_VARIANT_TYPE("a(is)"), g_variant_get_data(sent),
+                                        g_variant_get_size(sent), FALSE, nullptr, nullptr);
             for (unsigned int i = 0; i < size; ++i) {
                 gint32 number;
                 const char* read;

@@ -40,6 +40,8 @@ void Resize(TqBaseList& list, unsigned int capacity) {
 unsigned int TqBaseList::allocInc = 16;
 
 TqBaseList::TqBaseList()
+    // The array is there from the start, so that no operation has to ask; entry 0 alone is read
+    // before anything was put into it.
     : capacity(growthStep), count(0), slots(NewSlots(growthStep)), walkDepth(0) {
     slots[0] = nullptr;
 }
@@ -54,6 +56,7 @@ TqBaseList::TqBaseList(const TqBaseList& other)
 TqBaseList& TqBaseList::operator=(const TqBaseList& other) {
     TQ_REPORT_IF(walkDepth != 0);
     TqBaseObject::operator=(other);
+    // The new array first, and the old one given back last: a list may be assigned to itself.
     void** old = slots;
     slots = CopyOfSlots(other);
     capacity = other.capacity;
@@ -64,6 +67,7 @@ TqBaseList& TqBaseList::operator=(const TqBaseList& other) {
 
 TqBaseList::~TqBaseList() {
     TQ_REPORT_IF(walkDepth != 0);
+    // Cleared, so that who reads a list after its end meets a null and not another's memory.
     std::free(slots);
     TqClearForGood(slots);
 }
@@ -85,6 +89,7 @@ void TqBaseList::SwapItems(unsigned int a, unsigned int b) {
     slots[b] = item;
 }
 
+// The array stays: the lists of a device are filled again and again, with as many items each time.
 void TqBaseList::RemoveAllItems() {
     count = 0;
 }

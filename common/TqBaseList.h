@@ -94,9 +94,10 @@ TQ_BASE_LIST_BODY void TqBaseList::InsertSlot(unsigned int index, void* item) {
         TqCallAssert("TqBaseList", __LINE__);
         return;
     }
+    // Entry 0 takes one of the entries that `capacity` counts, so the array is full one item
+    // earlier. The new room is counted from the items and not from the old array: what `PreAlloc`
+    // made larger grows by the same step.
     ++count;
-    // By 16 entries, whatever `allocInc` says, which applications set to sizes of their own time. By
-    // a step and not by a factor: lists on the device are short and memory is scarce.
     if (__builtin_expect(count == capacity, 0)) PreAlloc(count + 16);
     if (count > index) {
         __builtin_memmove(slots + index + 1, slots + index, (count - index) * sizeof(void*));

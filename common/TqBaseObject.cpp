@@ -14,6 +14,8 @@ unsigned int TqBaseObject::nextSeqNum = 1;
 
 TQ_IMPLEMENT_CLASS_MEMBERS(TqBaseObject, nullptr, nullptr)
 
+// The stamp is the same for every object: nothing hands out others, and a handle that compares its
+// copy of one with what is left of a dead object is told by `self` and not by the stamp.
 TqBaseObject::TqBaseObject() : refCount(0), seqNum(0), self(this), destroying(0) {}
 
 TqBaseObject::TqBaseObject(const TqBaseObject& other)
@@ -21,6 +23,7 @@ TqBaseObject::TqBaseObject(const TqBaseObject& other)
     TQ_REPORT_IF(other.destroying != 0);
 }
 
+// Count, stamp, mutex and `self` are the object's identity, which no assignment carries over.
 TqBaseObject& TqBaseObject::operator=(const TqBaseObject&) {
     return *this;
 }

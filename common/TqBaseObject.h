@@ -103,6 +103,8 @@ TQ_BASE_OBJECT_BODY TQ_READS_ANY_OBJECT int TqBaseObject::DecrementRefCount(TqBa
     TQ_REPORT_COUNT_IF(obj->self != obj);
     TQ_REPORT_COUNT_IF(obj->seqNum != seq);
     TQ_REPORT_COUNT_IF(obj->objectMutex.Lock() != 0);
+    // Only exactly 0 deletes. A count that was below it already came from one drop too many, and to
+    // delete then would be to delete twice.
     const bool last = --obj->refCount == 0;
     if (last) obj->destroying = 1;
     TQ_REPORT_COUNT_IF(obj->objectMutex.Unlock() != 0);

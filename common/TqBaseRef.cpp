@@ -17,6 +17,7 @@ TqBaseRef::TqBaseRef(TqBaseObject* obj) : object(nullptr), objectSeqNum(0) {
 }
 
 TqBaseRef::TqBaseRef(const TqBaseRef& other) : TqDataType(other), object(nullptr), objectSeqNum(0) {
+    // The other handle must not let its object go between the reading and the counting.
     TQ_REPORT_IF(other.refMutex.Lock() != 0);
     AssignNewObject(other.object);
     TQ_REPORT_IF(other.refMutex.Unlock() != 0);
@@ -24,6 +25,7 @@ TqBaseRef::TqBaseRef(const TqBaseRef& other) : TqDataType(other), object(nullptr
 
 TqBaseRef::~TqBaseRef() {
     AssignNewObject(nullptr);
+    TqKeepAssigned(this);
 }
 
 TqBaseRef& TqBaseRef::operator=(const TqBaseRef& other) {
@@ -39,6 +41,8 @@ TqBaseRef& TqBaseRef::operator=(TqBaseObject* obj) {
 }
 
 void TqBaseRef::AssignNewObject(TqBaseObject* obj) {
+    // Held until all is done, the end of the old object included: a thread that copies this handle
+    // finds the old object alive or the new one, and nothing between.
     TQ_REPORT_IF(refMutex.Lock() != 0);
     GutCheck();
     if (obj != object) {
@@ -52,6 +56,8 @@ void TqBaseRef::AssignNewObject(TqBaseObject* obj) {
     TQ_REPORT_IF(refMutex.Unlock() != 0);
 }
 
+// Two reports where both are wrong: who reads them tells a dead object, whose stamp is cleared too,
+// from a foreign one.
 TQ_READS_ANY_OBJECT void TqBaseRef::GutCheck() const {
     if (object == nullptr) return;
     TQ_REPORT_IF(object->self != object);

@@ -49,6 +49,7 @@ unsigned int PlaceNow(const TqBaseRefList& list, const TqBaseObject* item, unsig
     return place == 0 ? noSlot : place;
 }
 
+// No destructor runs in here, so the list stays as it is.
 void TakeReferences(const TqBaseRefList& list) {
     for (unsigned int i = 1; i <= list.count; ++i) TakeReference(CheckedItem(list, i));
 }
@@ -71,10 +72,15 @@ TqBaseRefList::TqBaseRefList() {}
 
 TqBaseRefList::TqBaseRefList(const TqBaseRefList& other)
     : TqBaseList(static_cast<const TqBaseObject&>(other)) {
+    // Slots, capacity and count are taken under both mutexes: the other list may be growing. This
+    // one's comes first, here and in an assignment; nobody else can have it yet, so that order
+    // costs nothing and is one order for both.
     Lock(*this);
     Lock(other);
     TqBaseList::operator=(other);
     TakeReferences(*this);
+    // The other way round than in an assignment: which of two failing releases is reported first is
+    // something that hooks see.
     Unlock(other);
     Unlock(*this);
 }
@@ -82,6 +88,8 @@ TqBaseRefList::TqBaseRefList(const TqBaseRefList& other)
 TqBaseRefList& TqBaseRefList::operator=(const TqBaseRefList& other) {
     Lock(*this);
     Lock(other);
+    // The new references before the old ones go: an object that stands in both lists never comes to
+    // 0.
     TakeReferences(other);
     // The destructor of an item let go may change `other`; what this list takes is what it counted.
     TqBaseList counted;
@@ -115,6 +123,8 @@ void TqBaseRefList::RemoveAllItems() {
 
 void TqBaseRefList::RemoveSlot(unsigned int index) {
     Lock(*this);
+    // The reference goes while the item still stands in its slot: its destructor may look itself
+    // up.
     TqBaseObject* item = CheckedItem(*this, index);
     if (item != nullptr) {
         DropReference(item);
@@ -127,6 +137,7 @@ void TqBaseRefList::RemoveSlot(unsigned int index) {
 void TqBaseRefList::InsertSlot(unsigned int index, void* item) {
     TQ_REPORT_IF(item == nullptr);
     Lock(*this);
+    // Counted first: once it stands in the list, another thread may remove it again.
     TakeReference(static_cast<TqBaseObject*>(item));
     TqBaseList::InsertSlot(index, item);
     Unlock(*this);

@@ -13,12 +13,13 @@ const short ownTypeId = 4;
 
 short TqBoolean::typeId = ownTypeId;
 
-TqBoolean::TqBoolean(int flag) : state(flag) {}
+TqBoolean::TqBoolean(int flag) : state(flag != 0) {}
 
 TqBoolean::TqBoolean(const char* text) : state(0) {
     StringToValue(text);
 }
 
+// `value` is what the parser left behind and no part of the flag; a copy starts without it.
 TqBoolean::TqBoolean(const TqBoolean& other) : TqNumber(0), state(other.state) {}
 
 TqBoolean& TqBoolean::operator=(const TqBoolean& other) {
@@ -28,6 +29,7 @@ TqBoolean& TqBoolean::operator=(const TqBoolean& other) {
 
 void TqBoolean::StringToValue(const char* text) {
     TqNumber::FromString(text);
+    // Above 0 and not other than 0: a "-1" in a configuration means off.
     state = value > 0;
 }
 

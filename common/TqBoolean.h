@@ -10,7 +10,7 @@
 /// Ownership: nothing beyond itself. Lock: none. Reports: source "TqBoolean".
 class TQ_API TqBoolean : public TqNumber {
 public:
-    /// Takes `state` as it is; any value but 0 is true.
+    /// The state is 1 for any value but 0.
     TqBoolean(int state = 0);
 
     /// The same as `StringToValue(text)`.
@@ -46,7 +46,7 @@ public:
     /// The state as it is.
     operator int() const override;
 
-    int state;
+    int state;  ///< 0 or 1; any other value that is put here counts as true and stays as it is
 
     static short typeId;  ///< 4, for naming the id without an object
 };

@@ -62,11 +62,13 @@ void Copy(TqBuffer& to, const TqBuffer& from) {
         return;
     }
     unsigned char* block = NewBlock(from.length);
+    // As many bytes as there are and not as many as there is room for: a copy is made to be kept.
     TqCopyBytes(block, from.data, from.length);
     ZeroInternalData(to);
     UseBlock(to, block, from.length);
 }
 
+// Not `position + count > limit`: the sum may wrap around, and positions come from packets.
 bool EndsBeyond(unsigned int position, unsigned int count, unsigned int limit) {
     return count > limit || position > limit - count;
 }
@@ -89,6 +91,7 @@ unsigned int ParseLength(const unsigned char* digits) {
     return length;
 }
 
+// The read position is a public field, and truncating by hand leaves it behind the end.
 unsigned int BytesLeft(const TqBuffer& buffer) {
     return buffer.length > buffer.readPosition ? buffer.length - buffer.readPosition : 0;
 }
@@ -177,6 +180,8 @@ void TqBuffer::Insert(const unsigned char* bytes, unsigned int count, unsigned i
         return;
     }
     const unsigned int total = length + count;
+    // Put together elsewhere and appended to the emptied buffer: short contents then move back
+    // inside the object, which applications tell by `capacity`.
     unsigned char* whole = NewBlock(total);
     TqCopyBytes(whole, data, position);
     TqCopyBytes(whole + position, bytes, count);
@@ -265,6 +270,7 @@ void TqBuffer::ToBuffer(TqBuffer& out) const {
 void TqBuffer::FromBuffer(TqBuffer& in) {
     Clear();
     const TqItemPayload payload = TqReadItem(in);
+    // An empty payload has no bytes to point at, and appending from null is reported.
     if (payload.count != 0) Append(payload.bytes, payload.count);
 }
 
@@ -300,6 +306,8 @@ void TqWriteItem(TqBuffer& out, unsigned int statedLength, const void* payload,
     // A length of more digits loses its last ones: five bytes are what every reader takes. The item
     // is corrupt then; payloads are limited to 99999 bytes.
     while (statedLength > 99999) statedLength /= 10;
+    // In one piece: digits and payload are moved to a larger block once, not twice, and the block
+    // has the size that one append of both would give it.
     TqMakeRoom(out, tqItemDigits + count);
     unsigned char* digits = out.data + out.length;
     digits[0] = static_cast<unsigned char>('0' + statedLength / 10000);
@@ -317,6 +325,7 @@ TqItemPayload TqReadItem(TqBuffer& in) {
         const unsigned int count = ParseLength(digits);
         if (in.AdvanceReadContext(count) != nullptr) return {payload, count};
     }
+    // What is left is used up: a loop that reads until the buffer is empty must come to its end.
     in.readPosition = in.length;
     return none;
 }

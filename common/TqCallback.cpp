@@ -15,6 +15,8 @@ TqCallback::TqCallback(void* data) : userData(data) {}
 
 TqCallback::TqCallback(const TqCallback& other) : TqBaseObject(), userData(other.userData) {}
 
+// A callback in a chain is known by its address; giving it another's data would change whom it
+// tells.
 TqCallback& TqCallback::operator=(const TqCallback&) {
     TqCallAssert(sourceName, __LINE__);
     return *this;

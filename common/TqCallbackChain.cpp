@@ -10,6 +10,7 @@ const char sourceName[] = "TqCallbackChain";
 
 TqCallbackChain::TqCallbackChain() {}
 
+// Empty, and not the shallow copy of its base: two chains would tell the same callbacks twice.
 TqCallbackChain::TqCallbackChain(const TqCallbackChain&) : TqPtrList<TqCallback>() {
     TqCallAssert(sourceName, __LINE__);
 }
@@ -22,10 +23,9 @@ TqCallbackChain& TqCallbackChain::operator=(const TqCallbackChain&) {
 TqCallbackChain::~TqCallbackChain() {}
 
 void TqCallbackChain::Invoke(TqBaseObject* source, TqCallbackData* data) {
-    ++walkDepth;
+    const TqWalk walk(walkDepth);
     // The count is read before every step: what a callback appends is invoked too.
     for (unsigned int i = 1; i <= count; ++i) {
         static_cast<TqCallback*>(slots[i])->Invoke(source, data);
     }
-    --walkDepth;
 }

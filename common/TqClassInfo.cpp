@@ -27,8 +27,10 @@ TqClassInfo& TqClassInfo::operator=(const TqClassInfo&) {
 TqClassInfo::~TqClassInfo() {
     TqClearForGood(createFunc);
     TqClearForGood(parent);
+    // By their own operation, and yet for good: who holds a descriptor that is gone reads zeros.
     tallyA.Assignment(TqNumber(0));
     tallyB.Assignment(TqNumber(0));
+    TqKeepAssigned(this);
 }
 
 TqBaseObject* TqClassInfo::NewObject() const {
@@ -48,6 +50,7 @@ int TqClassInfo::IsA(const char* className) {
 
 int TqClassInfo::IsA(TqClassInfo* other) {
     if (other == nullptr) return 0;
+    // By identity and not by name: nothing keeps two descriptors from having the same one.
     for (const TqClassInfo* info = this; info != nullptr; info = info->parent) {
         if (info == other) return 1;
     }

@@ -39,15 +39,13 @@ private:
 // list holds none.
 template <class Matches>
 TqClassInfo* FirstMatch(const ClassList& list, Matches matches) {
-    TqClassInfo* found = nullptr;
-    ++list.walkDepth;
+    const TqWalk walk(list.walkDepth);
     const unsigned int count = list.count;
-    for (unsigned int i = 1; i <= count && found == nullptr; ++i) {
+    for (unsigned int i = 1; i <= count; ++i) {
         TqClassInfo* info = static_cast<TqClassInfo*>(static_cast<TqBaseObject*>(list.slots[i]));
-        if (matches(*info)) found = info;
+        if (matches(*info)) return info;
     }
-    --list.walkDepth;
-    return found;
+    return nullptr;
 }
 
 }  // namespace
@@ -70,6 +68,8 @@ TqClassRegistry::~TqClassRegistry() {
 }
 
 TqClassRegistry* TqClassRegistry::GetRegistry() {
+    // Made when first asked for and never given back: objects that end after `main` still look up
+    // names.
     if (theRegistry == nullptr) theRegistry = new TqClassRegistry;
     return theRegistry;
 }
@@ -78,7 +78,8 @@ TqClassInfo* TqClassRegistry::ClassInfo(const char* name) const {
     // Nothing is done with the name where there is none to compare it with.
     if (classList.count == 0) return nullptr;
     const WantedName wanted(name);
-    return FirstMatch(classList, [&wanted](const TqClassInfo& info) { return wanted.Is(info.name); });
+    return FirstMatch(classList,
+                      [&wanted](const TqClassInfo& info) { return wanted.Is(info.name); });
 }
 
 TqBaseObject* TqClassRegistry::NewObject(const char* name) const {
@@ -88,17 +89,17 @@ TqBaseObject* TqClassRegistry::NewObject(const char* name) const {
 
 TqClassInfo* TqClassRegistry::Find(const TqString& name) const {
     return FirstMatch(classList, [&name](const TqClassInfo& info) {
+        // The lengths first: most names differ there, and their texts are not looked at.
         return info.name.Length() == name.Length() && std::strcmp(info.name.data, name.data) == 0;
     });
 }
 
 void TqClassRegistry::Dump() const {
-    ++classList.walkDepth;
+    const TqWalk walk(classList.walkDepth);
     // Unlike the lookups this reads the count anew before each step.
     for (unsigned int i = 1; i <= classList.count; ++i) {
         std::printf("Name: %s\n", HeldInfo(classList, i)->name.data);
     }
-    --classList.walkDepth;
 }
 
 void TqClassRegistry::Remove(const char* name) {

@@ -1,6 +1,8 @@
 #ifndef TQ_CLASS_REGISTRY_H
 #define TQ_CLASS_REGISTRY_H
 
+#include <type_traits>
+
 #include "TqBaseObject.h"
 #include "TqBaseRefList.h"
 #include "TqClassInfo.h"
@@ -10,8 +12,7 @@
 /// by class name. The library registers nothing itself; an application inserts the descriptors of
 /// its classes at start-up:
 ///
-///     TqClassRegistry* registry = TqClassRegistry::GetRegistry();
-///     registry->classList.InsertSlot(registry->classList.count + 1, Monitor::MonitorInitInfo());
+///     TqRegisterClass<Monitor>();
 ///
 /// Ownership: `classList` keeps a reference on each descriptor. The registry itself lives until the
 /// process ends.
@@ -73,5 +74,16 @@ public:
 
     static TqClassRegistry* theRegistry;  ///< the one of the process; null until asked for
 };
+
+/// Enters a class that has the macros of TqDeclareClass.h into the registry of the process, behind
+/// those that are in it; one that is in it already stays where it is.
+template <class X>
+inline void TqRegisterClass() {
+    static_assert(std::is_same<typename X::TqDescribed, X>::value,
+                  "the class that TqRegisterClass names has no TQ_DECLARE_CLASS of its own");
+    TqRefList<TqClassInfo>& list = TqClassRegistry::GetRegistry()->classList;
+    TqBaseObject* info = X::TqDescribedInfo();
+    if (list.FindSlot(info) == 0) list.InsertSlot(list.count + 1, info);
+}
 
 #endif

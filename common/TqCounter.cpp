@@ -37,11 +37,15 @@ void TqCounter::ToString(TqString& out) const {
 
 void TqCounter::FromString(const char* text) {
     TqNumber::FromString(text);
+    // The parser is the number's: what it read as negative, or wrapped around to it, counts
+    // nothing.
     count = value > 0 ? static_cast<unsigned int>(value) : 0;
 }
 
 int TqCounter::Compare(const TqDataType& other) const {
     TQ_REPORT_IF(other.TypeId() != ownTypeId);
+    // Wraps around, so that of two counters that were read shortly one after the other the later
+    // one is the greater, even across an overflow.
     return static_cast<int>(count - TqFieldTakenAs(other, &TqCounter::count));
 }
 

@@ -9,6 +9,7 @@ bool TqDataType::DoesNotEqual(const TqDataType* other) const {
 }
 
 void TqDataType::NextId(short* id) {
+    // Once and for good: values of that type may have been told by this id already.
     if (*id != 0) return;
     *id = currentFreeTypeId;
     // Not checked for overflow: no process has tens of thousands of types.

@@ -40,10 +40,13 @@ TqDateTime& TqDateTime::operator=(const TqDateTime& other) {
 void TqDateTime::SetNow() {
     const time_t now = ::time(nullptr);
     tm utc;
+    // Not gmtime, whose result all threads of the process share.
     SetTime(gmtime_r(&now, &utc));
 }
 
 void TqDateTime::SetTime(const tm* t) {
+    // Member by member: what the C library keeps behind the nine is its own, a pointer to a zone's
+    // name among it, and stays.
     time.tm_sec = t->tm_sec;
     time.tm_min = t->tm_min;
     time.tm_hour = t->tm_hour;

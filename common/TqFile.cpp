@@ -14,6 +14,7 @@ char line[1024];
 
 FILE* OpenStream(const char* name, int mode) {
     static const char* const modes[] = {"r", "w", "r+", "a", "a+"};
+    // Refused here: what an empty mode does differs between C libraries.
     if (mode < TqFile::read || mode > TqFile::readAppend) {
         errno = EINVAL;
         return nullptr;
@@ -80,6 +81,8 @@ int TqFile::Close() {
 
 char* TqFile::NextLine() {
     if (stream == nullptr) return nullptr;
+    // `fgets` and nothing beside it: the pieces of a long line, and a NUL inside one, come out as
+    // programs know them from there.
     char* next = std::fgets(line, sizeof line, stream);
     if (next == nullptr) fileState = fileAtEnd;
     return next;

@@ -63,6 +63,7 @@ void TqFloat::ToString(TqString& out) const {
 }
 
 void TqFloat::FromString(const char* text) {
+    // Twice rounded, as `strtof` would not be: stored texts were written for these values.
     value = static_cast<float>(std::strtod(text, nullptr));
 }
 

@@ -1,6 +1,8 @@
 #ifndef TQ_FLOAT_H
 #define TQ_FLOAT_H
 
+#include <cstring>
+
 #include "TqDataType.h"
 #include "TqHooks.h"
 
@@ -59,11 +61,25 @@ public:
     static short typeId;  ///< 5, for naming the id without an object
 };
 
+/// Whether two floats are equal by IEEE comparison, told by their bits: this is compiled with the
+/// application's flags, and some of those make a NaN equal to anything.
+inline bool TqSameFloat(float a, float b) {
+    static_assert(sizeof(float) == sizeof(unsigned int), "single precision has 32 bits");
+    const unsigned int magnitude = 0x7FFFFFFF;
+    const unsigned int infinity = 0x7F800000;
+    unsigned int bitsOfA;
+    unsigned int bitsOfB;
+    std::memcpy(&bitsOfA, &a, sizeof bitsOfA);
+    std::memcpy(&bitsOfB, &b, sizeof bitsOfB);
+    const bool bothZero = ((bitsOfA | bitsOfB) & magnitude) == 0;
+    return bothZero || (bitsOfA == bitsOfB && (bitsOfA & magnitude) <= infinity);
+}
+
 // A value of another type is reported and then read as though it were a float.
 TQ_READS_ANY_OBJECT inline bool TqFloat::Equals(const TqDataType* other) const {
     if (other == nullptr) return false;
     if (TypeId() != other->TypeId()) TqCallAssert("./TqFloat", __LINE__);
-    return value == static_cast<const TqFloat*>(other)->value;
+    return TqSameFloat(value, static_cast<const TqFloat*>(other)->value);
 }
 
 #endif

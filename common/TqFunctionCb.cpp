@@ -16,6 +16,7 @@ TqFunctionCb::TqFunctionCb(const TqFunctionCb& other)
     : TqCallback(other), function(other.function) {}
 
 TqFunctionCb& TqFunctionCb::operator=(const TqFunctionCb& other) {
+    // The base reports as well: a hook sees which of the two was meant.
     TqCallback::operator=(other);
     TqCallAssert(sourceName, __LINE__);
     return *this;

@@ -6,6 +6,8 @@ namespace {
 
 const int exitStatusWithoutHook = 999;
 
+// Plain pointers, without a lock: they are set at start-up, and a report must get through from
+// inside any lock.
 TqAssertCb assertHook = nullptr;
 TqSysExitCb sysExitHook = nullptr;
 
@@ -29,6 +31,7 @@ TqAssertCb TqUnRegisterAssertCb() {
 }
 
 void TqCallAssert(const char* file, int line) {
+    // Not a word otherwise: a device has nobody to read it.
     if (assertHook != nullptr) assertHook(file, line);
 }
 

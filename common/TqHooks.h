@@ -10,6 +10,14 @@
 /// through the assertion hook and carries on as each operation documents. "Reports" in every
 /// header of this library means one call of `TqCallAssert`.
 ///
+/// A hook that throws: the exception comes out of the operation that reports, or out of the one of
+/// the application's that called it; so does what a callback, a factory or a virtual operation of
+/// the application's own throws. The operation is left where it was, a walk over a list is ended,
+/// and nothing more is promised of what it was changing than that it can be assigned to and
+/// destroyed. A mutex that was held stays locked: do not throw from the reports of a handle or a
+/// reference list, "TqBaseRef" and "TqBaseRefList". Nor may anything leave a destructor: that ends
+/// the process, as everywhere in the language.
+///
 /// Ownership: the library borrows the hooks; it keeps nothing but the two pointers.
 /// Lock: none. Install the hooks once at start-up, before other threads use the library.
 /// All names have C linkage.

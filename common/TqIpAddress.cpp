@@ -41,6 +41,7 @@ bool ReadField(const char*& text, unsigned int& field) {
     return true;
 }
 
+// Nothing is stored until all four fields are read: a text that is none leaves the old address.
 bool ReadAddress(const char* text, unsigned int& address) {
     unsigned int fields = 0;
     for (int i = 0; i < fieldCount; ++i) {
@@ -96,6 +97,7 @@ unsigned long TqIpAddress::getIpAddress() const {
 }
 
 void TqIpAddress::toString(TqString& out) const {
+    // Frees, unlike the value types: programs keep the texts of thousands of addresses.
     out.Free();
     if (valid == 0) {
         out = "0.0.0.0";

@@ -5,6 +5,7 @@
 TqNetworkMask::TqNetworkMask() {}
 
 TqNetworkMask::TqNetworkMask(unsigned long number) : TqIpAddress(number) {
+    // The number stays, valid or not: programs show the one that was refused.
     valid = isValidMask(number);
 }
 

@@ -26,6 +26,7 @@ int ParseDigits(const char* digits, bool negative) {
     return static_cast<int>(negative ? 0u - value : value);
 }
 
+// Nine words, and only for a text without digits: a loop will do.
 bool IsTrueWord(const char* text) {
     for (const char* word : trueWords) {
         if (TqString::StringICompare(text, word) == 0) return true;
@@ -66,12 +67,14 @@ void TqNumber::FromString(const char* text) {
 }
 
 void TqNumber::ToBuffer(TqBuffer& out) const {
+    // By the virtual ToString, so that counters and booleans write their own text.
     TqString text;
     ToString(text);
     text.ToBuffer(out);
 }
 
 void TqNumber::FromBuffer(TqBuffer& in) {
+    // And by the virtual FromString, likewise.
     const TqItemPayload payload = TqReadItem(in);
     // Nearly every text is short, and needs no string of its own to end in a NUL.
     char text[32];

@@ -35,6 +35,8 @@ void AppendAll(TqSnmpOid& oid, const unsigned long* numbers, unsigned int count)
     for (unsigned int i = 0; i < count; ++i) oid.Append(numbers[i]);
 }
 
+// By multiples of what there is: an identifier built number by number then doubles, and one that is
+// appended whole takes no more than it needs, to the next multiple.
 unsigned int SmallestMultiple(unsigned int step, unsigned int needed) {
     // NOLINTNEXTLINE(clang-analyzer-core.DivideZero): no capacity is ever 0
     return step * (needed / step + (needed % step != 0));
@@ -154,6 +156,7 @@ void TqSnmpOid::SetValues(const unsigned long* numbers, unsigned int n) {
 void TqSnmpOid::Reset() {
     std::free(HeapBlock(*this));
     UseInternalValues(*this);
+    // Only here: `SetValues` leaves old numbers behind the new ones.
     std::memset(internalValues, 0, sizeof internalValues);
 }
 
@@ -161,6 +164,8 @@ void TqSnmpOid::Increment() {
     if (count > 0) ++values[count - 1];
 }
 
+// The last number is the index of the row's instance and stays: the next column of the same row has
+// it too.
 void TqSnmpOid::IncrementTableRow() {
     if (count >= 2) ++values[count - 2];
 }

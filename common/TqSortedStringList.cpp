@@ -28,7 +28,10 @@ unsigned int PlaceOf(const TqString& s, const TqSortedStringList& list) {
     // Sixteen bits: the search is linear, and a list that would need more is one for which this
     // class was not made.
     for (unsigned short index = 1; index <= list.count; ++index) {
-        if (list.count - index >= fetchedAhead) __builtin_prefetch(list.slots[index + fetchedAhead]);
+        // One by one and not by halves: slots may have been set by hand, out of order, and the
+        // first greater one is where programs expect the new string.
+        if (list.count - index >= fetchedAhead)
+            __builtin_prefetch(list.slots[index + fetchedAhead]);
         if (IsGreater(*StringIn(list, index), s)) return index;
     }
     return list.count + 1;

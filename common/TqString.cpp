@@ -60,6 +60,7 @@ void CopyShortText(char* to, const char* text, unsigned int count) {
 // Copies the text, up to its first NUL or `count` characters, and fills up with NULs so that
 // to[count] is one too. The text may overlap its new place.
 void CopyText(char* to, const char* text, unsigned int count) {
+    // Never looks behind the first NUL: a count may promise more than the text has.
     const std::size_t copied = strnlen(text, count);
     TqCopyBytes(to, text, copied);
     std::memset(to + copied, 0, count - copied + 1);
@@ -83,7 +84,8 @@ void TakeBlock(TqString& string, char* block, unsigned int count) {
     string.capacity = count + 1;
 }
 
-// Word by word: where code is built for size, a library call would take longer.
+// All of it: programs compare and send the area as it lies there. Word by word: where code is built
+// for size, a library call would take longer.
 void ZeroInternalData(TqString& string) {
     const Word zero = 0;
     for (unsigned int i = 0; i < internalCapacity; i += sizeof zero) {
@@ -133,6 +135,8 @@ void Assign(TqString& string, const char* text, unsigned int count, bool isWhole
 // first NUL, as a string copy does, and the rest of the new block is NULs.
 void Grow(TqString& string, unsigned int length) {
     if (length < string.capacity) return;
+    // To the next multiple of 16 and not by a factor: a device has thousands of strings, few of
+    // which grow more than once or twice.
     const unsigned int capacity = (length + 16) / 16 * 16;
     char* block;
     if (IsInternal(string)) {
@@ -265,11 +269,13 @@ void TqString::AppendNumber(int value) {
 
 void TqString::AppendFloat(float value, unsigned char precision) {
     TQ_REPORT_IF(precision > 99);
+    // Long enough for every float with up to 88 decimals; a longer text is cut, not overrun.
     char work[128] = {0};
     std::snprintf(work, sizeof work, "%.*f", precision, static_cast<double>(value));
     for (const char* c = work; *c != '\0'; ++c) AppendChar(*c);
 }
 
+// By the C library's lower case, one byte at a time: what is a letter is what the locale says.
 int TqString::StringICompare(const char* a, const char* b) {
     while (*a != '\0' && LowerCase(*a) == LowerCase(*b)) {
         ++a;

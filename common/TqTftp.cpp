@@ -37,6 +37,7 @@ struct Transfer {
     unsigned char* request;  // until the first block has come
     unsigned int requestLength;
     unsigned char received[packetLength];
+    unsigned int errorLength;  // of the text, once an error packet is what was received last
     unsigned int endOfFile;
     TFTP_TO_STRUCT timeout;
 };
@@ -97,6 +98,7 @@ int BindAnywhere() {
     return bind(transfer.descriptor, reinterpret_cast<const sockaddr*>(&any), sizeof any);
 }
 
+// Kept until the first block: it is what is sent again while nothing has come.
 bool BuildRequest(const TFTP_OPEN_STRUCT& wanted) {
     const std::size_t nameLength = std::strlen(wanted.fileName) + 1;
     const std::size_t modeLength = std::strlen(wanted.mode) + 1;
@@ -185,7 +187,14 @@ unsigned char* Fail(unsigned int result, unsigned int* length) {
     return nullptr;
 }
 
+void KeepErrorText(std::size_t received) {
+    const std::size_t kept = received < packetLength ? received : packetLength;
+    transfer.errorLength = static_cast<unsigned int>(kept) - headerLength;
+}
+
 unsigned char* AcceptBlock(const sockaddr_in& sender, unsigned int received, unsigned int* length) {
+    // The port from which the first block comes is the transfer's; the request has then been heard
+    // and is not needed any more.
     TFTP_timeout_update(&transfer.timeout);
     if (AcknowledgedBlock() == 0) {
         transfer.server.sin_port = sender.sin_port;
@@ -198,21 +207,27 @@ unsigned char* AcceptBlock(const sockaddr_in& sender, unsigned int received, uns
     return transfer.received + headerLength;
 }
 
+// The gains of an eighth and a quarter are shifts: they round toward the smaller number, and the
+// figures of the time-outs depend on it.
 int RightShifted(unsigned int value, int bits) {
     return static_cast<int>(value) >> bits;  // arithmetic with every compiler in use
 }
 
+// Neither may become 0: a time-out of nothing would send without an end.
 unsigned int AtLeastOne(unsigned int value) {
     return value == 0 ? 1 : value;
 }
 
 void TakeSample(TFTP_TO_STRUCT* to, unsigned int elapsed) {
     const unsigned int deviation = elapsed - to->smoothedRtt;
+    // All in 32 bits without a sign, so that a clock that wraps around between two readings gives
+    // the same difference; only here is it taken for the signed number that it is.
     const unsigned int distance = static_cast<int>(deviation) < 0 ? 0 - deviation : deviation;
     to->smoothedRtt += static_cast<unsigned int>(RightShifted(deviation, 3));
     to->smoothedRtt = AtLeastOne(to->smoothedRtt);
     to->rttVariance += static_cast<unsigned int>(RightShifted(distance - to->rttVariance, 2));
     to->rttVariance = AtLeastOne(to->rttVariance);
+    // Four deviations cover nearly every late answer, by the rule of thumb of all such timers.
     to->timeout = to->smoothedRtt + 4 * to->rttVariance;
 }
 
@@ -229,6 +244,7 @@ const unsigned char _tftp_error_tid[34] = "\0\5\0\5Invalid TID";
 
 unsigned int TFTP_open(void* request) {
     const TFTP_OPEN_STRUCT& wanted = *static_cast<const TFTP_OPEN_STRUCT*>(request);
+    transfer.errorLength = 0;
     const int descriptor = NewSocket();
     if (descriptor < 0) return TFTP_NO_SOCKET;
     // A transfer that was never closed loses its descriptor here: before the first transfer it is
@@ -270,6 +286,7 @@ unsigned char* TFTP_read(unsigned int* length) {
                 SendAcknowledgement();
                 break;
             case serverError:
+                KeepErrorText(static_cast<std::size_t>(received));
                 return Fail(TFTP_SERVER_ERROR + GetNumber(transfer.received + 2), length);
             case violation:
                 Send(sender, _tftp_error_op, sizeof _tftp_error_op);
@@ -280,6 +297,11 @@ unsigned char* TFTP_read(unsigned int* length) {
 
 unsigned int TFTP_eof() {
     return transfer.endOfFile;
+}
+
+const unsigned char* TFTP_error_text(unsigned int* length) {
+    *length = transfer.errorLength;
+    return transfer.received + headerLength;
 }
 
 unsigned int TFTP_close() {
@@ -322,6 +344,7 @@ unsigned int TFTP_timeout_left(TFTP_TO_STRUCT* to, unsigned int* expired) {
     if (!hasExpired) return to->timeout - elapsed;
     to->startTime = now;
     to->sampleValid = 0;
+    // Compared before it is doubled: twice a large time-out would wrap around.
     to->timeout = to->timeout > longestTimeout / 2 ? longestTimeout : 2 * to->timeout;
     return to->timeout;
 }
@@ -329,6 +352,7 @@ unsigned int TFTP_timeout_left(TFTP_TO_STRUCT* to, unsigned int* expired) {
 unsigned int RTCS_time_get() {
     timeval now;
     gettimeofday(&now, nullptr);
+    // In 32 bits it wraps around every 49.7 days, which subtractions do not mind.
     const unsigned int seconds = static_cast<unsigned int>(now.tv_sec);
     const unsigned int microseconds = static_cast<unsigned int>(now.tv_usec);
     return seconds * 1000 + microseconds / 1000 + (microseconds % 1000 > 500 ? 1 : 0);

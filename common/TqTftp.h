@@ -6,15 +6,41 @@
 /// A client that fetches a file from a TFTP server (RFC 1350, read requests only), one block of up
 /// to 512 bytes at a time:
 ///
-///     TFTP_OPEN_STRUCT request = {inet_addr("192.0.2.1"), "device.cfg", "octet"};
-///     unsigned int result = TFTP_open(&request);
-///     while (result == 0 && TFTP_eof() == 0) {
-///         unsigned int length;
-///         const unsigned char* data = TFTP_read(&length);
-///         if (data == nullptr) result = length;
-///         else fwrite(data, 1, length, file);
+///     // Once a second. Interrupts the receive, so that a lost packet is sent again; a server that
+///     // stays silent ends the program, for nothing else gets out of a read.
+///     volatile sig_atomic_t secondsLeft;
+///     extern "C" void Tick(int) {
+///         if (--secondsLeft <= 0) _exit(3);
 ///     }
-///     TFTP_close();
+///
+///     void StartTicking() {
+///         struct sigaction action = {};  // no SA_RESTART: that would not interrupt anything
+///         action.sa_handler = Tick;
+///         sigaction(SIGALRM, &action, nullptr);
+///         const itimerval everySecond = {{1, 0}, {1, 0}};
+///         setitimer(ITIMER_REAL, &everySecond, nullptr);
+///     }
+///
+///     // Not to standard output: the client prints there. Returns 0, or a TFTP_RESULT, or all ones
+///     // when the system refuses.
+///     unsigned int Fetch(const char* server, const char* name, FILE* file) {
+///         secondsLeft = 30;
+///         StartTicking();
+///         TFTP_OPEN_STRUCT request = {inet_addr(server), name, "octet"};
+///         const unsigned int opened = TFTP_open(&request);
+///         if (opened != 0) return opened;  // nothing is open: closing could close descriptor 0
+///         while (TFTP_eof() == 0) {
+///             unsigned int length;
+///             const unsigned char* data = TFTP_read(&length);
+///             if (data == nullptr) return length;  // the result; the transfer is closed
+///             secondsLeft = 30;
+///             if (fwrite(data, 1, length, file) != length) {
+///                 TFTP_close();
+///                 return ~0u;
+///             }
+///         }
+///         return TFTP_close();
+///     }
 ///
 /// Ownership: one transfer, held in process-wide state; it owns its socket and its packets. The
 /// request is borrowed for the duration of `TFTP_open`. The bytes that `TFTP_read` returns stay the
@@ -66,6 +92,11 @@ TQ_API unsigned char* TFTP_read(unsigned int* length);
 /// 1 once the last block has been read or the transfer has been closed, 0 during a transfer and
 /// before the first one.
 TQ_API unsigned int TFTP_eof();
+
+/// The server's own words in the error packet that ended the last transfer, with their number in
+/// `length`; none when it ended in another way or goes on. They are as they came, up to 512 bytes
+/// that may hold anything and need not end with a NUL, and are valid until the next `TFTP_open`.
+TQ_API const unsigned char* TFTP_error_text(unsigned int* length);
 
 /// Ends the transfer and releases what it holds. A failed `TFTP_read` or `TFTP_open` has done so.
 /// Returns the result of closing the socket, 0 as a rule; `TFTP_NOT_OPEN` when there is none.

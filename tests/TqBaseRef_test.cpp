@@ -511,7 +511,7 @@ TEST_F(TqBaseRefReentered, GivingItTheDyingObjectAgainMakesTwoReports) {
     ExpectFree(handle->refMutex);
 }
 
-TEST_F(TqBaseRefReentered, EmptyingItDropsTheDyingObjectAgain) {
+TEST_F(TqBaseRefReentered, EmptyingItDropsTheDyingObjectAgainAndMakesFourReports) {
     *handle = new Mortal(deaths, [this] { *handle = nullptr; });
     *handle = nullptr;
     // Between the two: counted down while being deleted, and deleted with a count of -1.

@@ -39,7 +39,7 @@ std::string Zeroes(unsigned int count) {
     return std::string(count, '\0');
 }
 
-// -- Construction, copy, destruction --------------------------------------------------------------
+// Construction, copy, destruction.
 
 TEST(TqBuffer, StartsEmptyAndZeroed) {
     alignas(TqBuffer) unsigned char room[sizeof(TqBuffer)];
@@ -177,7 +177,7 @@ TEST(TqBuffer, ClearZeroesTheInside) {
     EXPECT_EQ(Inside(b), Zeroes(64));
 }
 
-// -- A block of exactly 64 bytes ------------------------------------------------------------------
+// A block of exactly 64 bytes.
 
 // The mode is told by the capacity alone: a block of 64 bytes is taken as the internal area. It is
 // then never freed, which these tests do in the buffer's place.
@@ -242,7 +242,7 @@ TEST(TqBufferBlockOf64, ArisesFromAShortCopyThatGrows) {
     std::free(block);
 }
 
-// -- Append ---------------------------------------------------------------------------------------
+// Append.
 
 TEST(TqBuffer, AppendStaysInsideUpTo64Bytes) {
     TqBuffer b;
@@ -356,7 +356,7 @@ TEST(TqBuffer, AppendTakesBytesRightBehindTheBuffer) {
     EXPECT_EQ(Held(both.full), BytesInBlock(68, Letters(64) + "1234"));
 }
 
-// -- Insert ---------------------------------------------------------------------------------------
+// Insert.
 
 TEST(TqBuffer, InsertPutsTheBytesBeforeThePosition) {
     for (unsigned int position = 0; position <= 4; ++position) {
@@ -435,7 +435,7 @@ TEST(TqBuffer, InsertTakesItsOwnBytes) {
               BytesInBlock(150, "a" + Letters(100).substr(50) + Letters(100).substr(1)));
 }
 
-// -- Access by index ------------------------------------------------------------------------------
+// Access by index.
 
 TEST(TqBuffer, IndexGivesTheByte) {
     const TqBuffer b = BufferOf(Exactly("a\0\xFF"));
@@ -653,7 +653,7 @@ TEST(TqBuffer, AdvanceBeyondTheLengthIsReportedAndStays) {
     EXPECT_EQ(TakeReports(), Reports({"TqBuffer"}));
 }
 
-// -- Comparing ------------------------------------------------------------------------------------
+// Comparing.
 
 int SignOf(int number) {
     return (number > 0) - (number < 0);
@@ -734,7 +734,7 @@ TEST(TqBuffer, NullAndOtherTypesAreReportedAndEqualNothing) {
     EXPECT_TRUE(same.Equals(&same));
 }
 
-// -- Conversions ----------------------------------------------------------------------------------
+// Conversions.
 
 TEST(TqBuffer, ToStringAppendsToWhatIsThere) {
     TqString out("x");

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "Reports.h"
+#include "SystemCalls.h"
 #include "TqBuffer.h"
 #include "Values.h"
 
@@ -318,6 +319,19 @@ TEST(TqDateTime, EqualsIsReportedAndReturnsFalse) {
     EXPECT_EQ(TakeReports(), Reports({"TqDateTime"}));
     EXPECT_TRUE(date.DoesNotEqual(&date));
     EXPECT_EQ(TakeReports(), Reports({"TqDateTime"}));
+}
+
+TEST(TqDateTime, KnowsTheTimeAfterTheLastSecondOf32Bits) {
+    // 19 January 2038 03:14:08, and 5 March 2106 06:07:08, by a clock that is wound on.
+    systemCalls.time = [] { return static_cast<time_t>(2147483648LL); };
+    const TqDateTime justAfter;
+    systemCalls.time = [] { return static_cast<time_t>(4297212428LL); };
+    const TqDateTime farAfter;
+    systemCalls = SystemCalls();
+    EXPECT_EQ(TextOf(justAfter), "03:14:08");
+    EXPECT_EQ(justAfter.time.tm_year, 138);
+    EXPECT_EQ(justAfter.time.tm_mday, 19);
+    EXPECT_EQ(TextOf(farAfter), "02/05/0206 06:07:08");
 }
 
 }  // namespace

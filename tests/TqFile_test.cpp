@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/capability.h>
+#include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -21,6 +23,7 @@
 #include <thread>
 #include <vector>
 
+#include "Child.h"
 #include "Random.h"
 #include "Reports.h"
 #include "SystemCalls.h"
@@ -189,6 +192,24 @@ TEST_F(TqFileTest, OpensForReading) {
     EXPECT_LT(std::fputs("x", file.stream), 0);
     EXPECT_EQ(file.Close(), 1);
     EXPECT_EQ(Content(), "ab\n");
+}
+
+// Almost all of the file is a hole that takes no room.
+TEST_F(TqFileTest, OpensAFileAboveTwoGibibytesAndReadsItsLastLine) {
+    Make("first\n");
+    const off_t end = (off_t(1) << 31) + 4096;
+    const int descriptor = open(Path("file").c_str(), O_WRONLY);
+    if (pwrite(descriptor, "\nlast\n", 6, end) != 6) {
+        close(descriptor);
+        GTEST_SKIP() << "no file so large here: " << std::strerror(errno);
+    }
+    close(descriptor);
+    TqFile file;
+    ASSERT_EQ(Open(file, Path("file")), 1) << std::strerror(errno);
+    EXPECT_STREQ(file.NextLine(), "first\n");
+    ASSERT_EQ(fseeko(file.stream, end + 1, SEEK_SET), 0);
+    EXPECT_EQ(LinesOf(file), Lines({"last\n"}));
+    EXPECT_EQ(file.Close(), 1);
 }
 
 TEST_F(TqFileTest, OpensForWritingATruncatedOrNewFile) {
@@ -466,13 +487,20 @@ TEST_F(TqFileTest, OpensAgainAfterAClose) {
     file.Close();
 }
 
-TEST_F(TqFileTest, CloseOfAFullDeviceFailsAndLeavesTheState) {
-    TqFile file;
-    ASSERT_EQ(Open(file, "/dev/full", TqFile::write), 1);
-    EXPECT_GE(std::fputs("x", file.stream), 0);
-    EXPECT_EQ(file.Close(), 0);
-    EXPECT_EQ(errno, ENOSPC);
-    EXPECT_EQ(file.fileState, TqFile::fileOpen);
+TEST_F(TqFileTest, CloseOfAFileThatMayNotGrowFailsAndLeavesTheState) {
+    // Nothing of the test's own process is to be limited.
+    Child child([this] {
+        signal(SIGXFSZ, SIG_IGN);
+        const rlimit none = {0, 0};
+        setrlimit(RLIMIT_FSIZE, &none);
+        TqFile file;
+        const bool failed = Open(file, Path("full"), TqFile::write) == 1 &&
+                            std::fputs("x", file.stream) >= 0 && file.Close() == 0;
+        _exit(failed && errno == EFBIG && file.fileState == TqFile::fileOpen ? 0 : 1);
+    });
+    int status = 1;
+    EXPECT_TRUE(child.Wait(60000, status));
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(TqFileTest, ADirectoryOpensForReadingAndHasNoLines) {

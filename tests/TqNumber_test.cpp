@@ -100,7 +100,7 @@ TEST(TqNumber, ToStringShowsTheTypesOwnIntegerValue) {
     EXPECT_EQ(TextOf(Doubled(21)), "42");
 }
 
-// -- The parser -----------------------------------------------------------------------------------
+// The parser.
 
 TEST(TqNumber, ParsesDecimalDigits) {
     EXPECT_EQ(Parsed("0"), 0);
@@ -193,7 +193,7 @@ TEST(TqNumber, ParsingReplacesTheValue) {
     EXPECT_EQ(n.value, 0);
 }
 
-// -- Comparing ------------------------------------------------------------------------------------
+// Comparing.
 
 TEST(TqNumber, CompareIsTheDifference) {
     EXPECT_EQ(TqNumber(5).Compare(TqNumber(5)), 0);
@@ -266,7 +266,7 @@ TEST(TqNumber, EqualsTakesTheOthersIntegerValueAndItsOwnField) {
     EXPECT_EQ(TakeReports(), Reports());
 }
 
-// -- Conversions ----------------------------------------------------------------------------------
+// Conversions.
 
 TEST(TqNumber, ToBufferAppendsItsTextAsAnItem) {
     EXPECT_EQ(ItemOf(TqNumber(0)), "000010");

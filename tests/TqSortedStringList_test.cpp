@@ -175,6 +175,13 @@ TEST(TqSortedStringList, RemovesByIdentity) {
     EXPECT_EQ(TextsOf(filled.list), "a c ");
 }
 
+TEST(TqSortedStringList, RemovesTheLastStringByIdentity) {
+    Filled filled({"a", "b", "c"});
+    TqString* c = &filled.strings[2];
+    EXPECT_EQ(filled.list.RemoveItem(c), c);
+    EXPECT_EQ(TextsOf(filled.list), "a b ");
+}
+
 TEST(TqSortedStringList, RemovesTheFirstSlotOfAStringThatIsInItTwice) {
     TqString a("a"), b("b");
     TqSortedStringList list;

@@ -56,7 +56,7 @@ TqString WithNuls(const char* text, unsigned int count) {
     return TqString(text, count);
 }
 
-// -- Construction ---------------------------------------------------------------------------------
+// Construction.
 
 TEST(TqString, NullGivesTheEmptyString) {
     alignas(TqString) unsigned char room[sizeof(TqString)];
@@ -130,7 +130,7 @@ TEST(TqString, DestructionAcceptsAStringWithoutStorage) {
     s.data = nullptr;
 }
 
-// -- Assigning a text -----------------------------------------------------------------------------
+// Assigning a text.
 
 TEST(TqString, AssigningNullClears) {
     Watched s(Letters(50).c_str());
@@ -189,7 +189,7 @@ TEST(TqString, FromStringIsAssigning) {
     EXPECT_EQ(Held(s), HeldInside(""));
 }
 
-// -- SetValue -------------------------------------------------------------------------------------
+// SetValue.
 
 TEST(TqString, SetValueHoldsUpTo32CharactersInside) {
     for (unsigned int count : {1u, 31u, 32u}) {
@@ -247,7 +247,7 @@ TEST(TqString, SetValueReadsNothingBehindTheCountOrTheText) {
     EXPECT_EQ(Held(s), HeldInBlock(101, "ab" + Repeated(98, '\0')));
 }
 
-// -- Assignment -----------------------------------------------------------------------------------
+// Assignment.
 
 TEST(TqString, AssignmentKeepsTheStorageThatIsLargeEnough) {
     TqString s(Letters(100).c_str());
@@ -295,7 +295,7 @@ TEST(TqString, AssigningAStringIsAssignment) {
     EXPECT_EQ(Held(watched), HeldInside("abc"));
 }
 
-// -- Arguments that lie in the string itself ------------------------------------------------------
+// Arguments that lie in the string itself.
 
 TEST(TqString, AssigningAStringToItselfChangesNothing) {
     TqString inside("abc"), block(Letters(50).c_str()), nuls(WithNuls("ab", 40));
@@ -393,7 +393,7 @@ TEST(TqString, TheStringPlusItself) {
     EXPECT_EQ(Held(s + s.data), HeldInside("abab"));
 }
 
-// -- Emptying -------------------------------------------------------------------------------------
+// Emptying.
 
 TEST(TqString, ClearGivesTheBlockBack) {
     TqString s(Letters(100).c_str());
@@ -446,7 +446,7 @@ TEST(TqString, LengthIsTheCountedLength) {
     EXPECT_EQ(WithNuls("ab", 5).Length(), 5u);
 }
 
-// -- Appending ------------------------------------------------------------------------------------
+// Appending.
 
 TEST(TqString, AppendCharStaysInsideUpTo31Characters) {
     TqString s(Letters(30).c_str());
@@ -633,7 +633,7 @@ TEST(TqString, AppendingDigitsGrowsAsAppendingATextDoes) {
     EXPECT_EQ(Held(s), HeldInBlock(64, Letters(31) + "4294967295-1234567"));
 }
 
-// -- AppendFloat ----------------------------------------------------------------------------------
+// AppendFloat.
 
 std::string FloatText(float value, unsigned char precision) {
     TqString s;
@@ -690,7 +690,7 @@ TEST(TqString, AppendFloatGrowsAsAppendCharDoes) {
     EXPECT_EQ(Held(s), HeldInBlock(64, Letters(31) + "0.5" + Repeated(19, '0')));
 }
 
-// -- Comparing ------------------------------------------------------------------------------------
+// Comparing.
 
 int SignOf(int number) {
     return (number > 0) - (number < 0);
@@ -821,7 +821,24 @@ TEST(TqString, StringICompareTakesBytesAsUnsigned) {
     EXPECT_EQ(TqString::StringICompare("\xFF", "\xFF"), 0);
 }
 
-// -- Trimming -------------------------------------------------------------------------------------
+TEST(TqString, AppendCharEndsTheTextWhereALongerOneStood) {
+    TqString cleared("abcdef");
+    cleared.Clear();
+    cleared.AppendChar('x');
+    EXPECT_STREQ(cleared.data, "x");
+    TqString set("abcdef");
+    set.SetValue("12", 2);
+    set.AppendChar('3');
+    EXPECT_STREQ(set.data, "123");
+    TqString appended("abcdef");
+    appended.Clear();
+    for (const char c : {'1', '2', '3'}) {
+        appended.AppendByte(static_cast<unsigned char>(c));
+        EXPECT_EQ(std::strlen(appended.data), appended.length);
+    }
+}
+
+// Trimming.
 
 TEST(TqString, TrimLeadingRemovesLeadingWhiteSpace) {
     TqString s(" \t\n\v\f\rab c ");
@@ -956,7 +973,26 @@ TEST(TqString, TrimsTouchNothingOutsideTheObject) {
     EXPECT_EQ(s->data[s->length], '\0');
 }
 
-// -- Conversions ----------------------------------------------------------------------------------
+// The byte behind the array is a derived class's own where that fits into the padding.
+struct Followed : TqString {
+    char behind = ' ';
+};
+
+TEST(TqString, TrimTrailingStaysInsideTheArray) {
+    for (unsigned int length = 31; length < 40; ++length) {
+        SCOPED_TRACE(length);
+        Followed s;
+        while (s.Length() < length) s.AppendChar(' ');
+        std::memset(s.internalData, ' ', sizeof s.internalData);
+        s.TrimTrailingWS();
+        EXPECT_EQ(s.behind, ' ');
+        const unsigned int trimmed = length <= 33 ? length : 0;
+        EXPECT_EQ(std::string(s.internalData, 33),
+                  std::string(trimmed, '\0') + Repeated(33 - trimmed, ' '));
+    }
+}
+
+// Conversions.
 
 TEST(TqString, ToStringAssignsTheStringToTheOther) {
     const TqString s("abc");

@@ -24,6 +24,12 @@ inline void TqClearForGood(T& field) {
     *const_cast<volatile T*>(&field) = T();
 }
 
+/// Makes what a destructor has assigned to fields of `object` reach the memory, for the same reason
+/// and where the assignment itself is an operation's: link-time optimisation sees through those.
+inline void TqKeepAssigned(const void* object) {
+    __asm__ volatile("" : : "r"(object) : "memory");
+}
+
 /// `other` as a T, whatever it is. The value types report a value of another type and then go on as
 /// though it were of their own: applications that mix related types count on the result.
 template <class T>
@@ -41,6 +47,20 @@ TQ_READS_ANY_OBJECT inline Field TqFieldTakenAs(const TqDataType& other, Field T
 /// Marks what reads a shared field before it takes the lock, as the order of its checks demands:
 /// the thread sanitizer must not take the read for a mistake.
 #define TQ_READS_UNLOCKED __attribute__((no_sanitize("thread")))
+
+/// A walk over a list: raises the list's `walkDepth` for as long as it lives. A callback, or what
+/// else the walk calls, may leave it with an exception.
+class TqWalk {
+public:
+    explicit TqWalk(unsigned int& walkDepth) : depth(walkDepth) { ++depth; }
+    ~TqWalk() { --depth; }
+
+    TqWalk(const TqWalk&) = delete;
+    TqWalk& operator=(const TqWalk&) = delete;
+
+private:
+    unsigned int& depth;
+};
 
 /// a - b, wrapping around at 32 bits.
 inline int TqWrappedDifference(int a, int b) {

@@ -3,6 +3,7 @@
 #include <stdio.h>
 
 #include "Table.h"
+#include "TimeText.h"
 #include "TqClassInfo.h"
 #include "Transfer.h"
 
@@ -96,11 +97,10 @@ void Agent::Observe(const Poll& before, const Poll& after) {
 }
 
 void Agent::PrintTitle(const char* path, const TqDateTime& time) {
-    TqString timeText;
-    time.ToString(timeText);
     if (pollCount > 0) printf("\n");
     ++pollCount;
-    printf("poll %u of %s at %s UTC\n\n", pollCount, path, timeText.data);
+    printf("poll %u of %s at %s UTC\n", pollCount, path, TimeText(time).data);
+    printf("that time as the library writes it: %s\n\n", LibraryTimeText(time).data);
 }
 
 void Agent::PrintSummary() const {

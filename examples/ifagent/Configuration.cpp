@@ -84,8 +84,12 @@ bool Configuration::Fetch(const char* server, const char* fileName) {
     for (unsigned int lineNumber = 1; start < end; ++lineNumber) {
         const void* newline = memchr(start, '\n', static_cast<size_t>(end - start));
         const char* lineEnd = newline != nullptr ? static_cast<const char*>(newline) : end;
-        TqString line(start, static_cast<unsigned int>(lineEnd - start));
-        TakeLine(fileName, lineNumber, line);
+        TqString line;
+        if (MakeText(start, static_cast<unsigned int>(lineEnd - start), line)) {
+            TakeLine(fileName, lineNumber, line);
+        } else {
+            Complain("%s:%u: %s", fileName, lineNumber, nulComplaint);
+        }
         start = lineEnd + 1;
     }
     return true;

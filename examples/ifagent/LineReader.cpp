@@ -2,13 +2,22 @@
 
 #include <errno.h>
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 
 #include "Complaints.h"
 
-LineReader::LineReader() : lineNumber(0) {}
+const char nulComplaint[] = "a NUL in the line";
+
+bool MakeText(const char* bytes, unsigned int length, TqString& line) {
+    line.SetValue(bytes, length);
+    return memchr(bytes, '\0', length) == nullptr;
+}
+
+LineReader::LineReader() : lineNumber(0), bytes(nullptr), capacity(0) {}
 
 LineReader::~LineReader() {
+    free(bytes);
     file.Close();
 }
 
@@ -19,17 +28,17 @@ bool LineReader::Open(const char* path) {
 }
 
 bool LineReader::NextLine(TqString& line) {
-    line.Empty();
-    // A long line comes in pieces, and only the last one ends in a newline.
-    while (char* piece = file.NextLine()) {
-        if (line.IsEmpty()) ++lineNumber;
-        char* newline = strchr(piece, '\n');
-        if (newline != nullptr) *newline = '\0';
-        line += piece;
-        if (newline != nullptr) return true;
+    // Not the file's own NextLine: a text that ends at its first NUL does not tell where the line
+    // ends that has one.
+    ssize_t length = 0;
+    while ((length = getline(&bytes, &capacity, file.stream)) >= 0) {
+        ++lineNumber;
+        if (length > 0 && bytes[length - 1] == '\n') --length;
+        if (MakeText(bytes, static_cast<unsigned int>(length), line)) return true;
+        Complain(nulComplaint);
     }
     if (ferror(file.stream) != 0) ::Complain("%s: %s", file.fileName.data, strerror(errno));
-    return line.IsNotEmpty();
+    return false;
 }
 
 void LineReader::Complain(const char* complaint) const {

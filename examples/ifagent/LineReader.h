@@ -4,6 +4,12 @@
 #include "TqFile.h"
 #include "TqString.h"
 
+/// Makes so many bytes a text. False when there is a NUL among them, which no text can hold.
+bool MakeText(const char* bytes, unsigned int length, TqString& line);
+
+/// What is wrong with a line then.
+extern const char nulComplaint[];
+
 /// A text file, read line by line whatever the lines' length, that says what is wrong where.
 class LineReader {
 public:
@@ -17,7 +23,8 @@ public:
     /// Opens `path`. When that fails it complains and returns false.
     bool Open(const char* path);
 
-    /// Puts the next line, without its newline, into `line`; false at the end of the file.
+    /// Puts the next line, without its newline, into `line`; false at the end of the file. A line
+    /// with a NUL is complained of and left out.
     bool NextLine(TqString& line);
 
     /// Prints what is wrong with the present line.
@@ -29,6 +36,8 @@ public:
 private:
     TqFile file;
     unsigned int lineNumber;
+    char* bytes;  // of the present line, in a block of that capacity
+    size_t capacity;
 };
 
 #endif

@@ -31,8 +31,7 @@ const char usage[] =
     "  -m, --monitors     show what classes of monitors there are, and exit\n"
     "  -h, --help         show this, and exit\n"
     "\n"
-    "A poll's time is UTC, written as the library writes dates: months count from 0, years from\n"
-    "1900, and in January there is the time of day only.\n"
+    "A poll's time is UTC; beside it stands what the library makes of it, and how to read that.\n"
     "\n"
     "Exit status: 0 when all went well; 1 when something was complained of, and the rest done all\n"
     "the same; 2 when the command line is wrong.\n";

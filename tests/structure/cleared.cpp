@@ -6,6 +6,8 @@
 #include <new>
 
 #include "TqBaseList.h"
+#include "TqBaseRef.h"
+#include "TqBuffer.h"
 #include "TqClassInfo.h"
 #include "TqFile.h"
 #include "TqFloat.h"
@@ -29,6 +31,8 @@ __attribute__((noinline)) void ExpectCleared(const char* name, const Field* fiel
 TqBaseObject* Make() {
     return nullptr;
 }
+
+const unsigned char filled[100] = {1};
 
 alignas(16) unsigned char storage[512];
 
@@ -64,5 +68,18 @@ int main() {
     file->fileState = 7;
     file->~TqFile();
     ExpectCleared("fileState", &file->fileState);
+
+    TqBuffer* buffer = new (storage) TqBuffer(filled, sizeof filled);
+    buffer->~TqBuffer();
+    ExpectCleared("a buffer's data", &buffer->data);
+
+    TqBaseObject held;
+    TqRef<TqBaseObject>* handle = new (storage) TqRef<TqBaseObject>(&held);
+    ++held.refCount;
+    handle->objectSeqNum = held.seqNum = 7;
+    handle->~TqRef<TqBaseObject>();
+    --held.refCount;
+    ExpectCleared("a handle's object", &handle->object);
+    ExpectCleared("a handle's stamp", &handle->objectSeqNum);
     return failures == 0 ? 0 : 1;
 }

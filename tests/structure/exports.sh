@@ -35,6 +35,10 @@ if [ -n "$strangers" ]; then
 fi
 
 needed=$("$readelf" -dW "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')
+if ! echo "$needed" | grep -q '^libc\.so\.'; then
+    echo "$library does not need the C library, says $readelf"
+    failed=1
+fi
 allowed='^(lib(c|m|stdc\+\+|gcc_s|pthread)\.so\.[0-9]+|ld[-a-z0-9]*\.so\.[0-9]+)$'
 others=$(echo "$needed" | grep -vE "$allowed")
 if [ -n "$others" ]; then

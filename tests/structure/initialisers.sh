@@ -12,7 +12,12 @@ failed=0
 
 [ $# -gt 0 ] || { echo "no objects given"; exit 1; }
 for object; do
-    found=$("$readelf" -SW "$object" | grep -oE '\.(preinit_array|init_array|ctors)[.0-9]*' | sort -u)
+    sections=$("$readelf" -SW "$object")
+    case $sections in
+        *' .text '*) ;;
+        *) echo "$object has no code, says $readelf"; failed=1 ;;
+    esac
+    found=$(echo "$sections" | grep -oE '\.(preinit_array|init_array|ctors)[.0-9]*' | sort -u)
     if [ -n "$found" ]; then
         echo "$object has:"
         echo "$found"

@@ -12,11 +12,12 @@
 #include <sstream>
 #include <system_error>
 
+#include "Scale.h"
 #include "UdpSocket.h"
 
 namespace {
 
-const int patience = 120000;  // milliseconds
+const int patience = 120000 * Slowness();  // milliseconds
 
 void Check(bool isFine, const char* what) {
     if (!isFine) throw std::system_error(errno, std::generic_category(), what);

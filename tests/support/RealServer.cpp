@@ -38,7 +38,7 @@ const char* const paths[] = {"/usr/sbin/in.tftpd", "/usr/sbin/dnsmasq"};
     Execute({paths[RealServer::dnsmasq], "--keep-in-foreground", "--conf-file=/dev/null",
              "--port=0", "--enable-tftp", "--tftp-root=" + directory, "--listen-address=" + host,
              "--bind-interfaces", "--user=root", "--group=", "--pid-file=", "--no-hosts",
-             "--no-resolv", "--log-facility=/dev/null"});
+             "--no-resolv", "--log-facility=-"});
 }
 
 std::string HostText() {

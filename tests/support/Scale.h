@@ -2,16 +2,13 @@
 #define SCALE_H
 
 #include <cstdio>
+#include <cstdlib>
 
-// Clang says by __has_feature what gcc defines.
-#ifndef __has_feature
-#define __has_feature(feature) 0
-#endif
+#include "Sanitizers.h"
 
 /// Whether everything takes many times as long here as where it is developed: under an emulator or
 /// a sanitizer. Tests that are long anyway are smaller there, or left to other builds.
-#if defined(TQ_EMULATED) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || \
-    __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#if defined(TQ_EMULATED) || defined(TQ_ADDRESS_SANITIZED) || defined(TQ_THREAD_SANITIZED)
 const bool runsSlowly = true;
 #else
 const bool runsSlowly = false;
@@ -24,11 +21,26 @@ const bool isDevice = true;
 const bool isDevice = false;
 #endif
 
-/// The size of a large test: `full`, or `reduced` where that would take too long, which is printed.
+/// Whether the kernel is the device's as well, in an emulator of the whole machine. Who starts the
+/// tests there says so.
+inline bool IsOnDevice() {
+    return std::getenv("TQ_ON_DEVICE") != nullptr;
+}
+
+/// How many times as long processes, signals and packets may take here: what is to happen soon
+/// happens so much later.
+inline int Slowness() {
+    return IsOnDevice() ? 20 : 1;
+}
+
+/// The size of a large test: `full`, or `reduced` where that would take too long, or a tenth of it
+/// where even that would. Either is printed.
 inline unsigned int Scaled(unsigned int full, unsigned int reduced) {
     if (!runsSlowly) return full;
-    std::printf("[  REDUCED ] to %u, instead of %u, where everything runs slowly\n", reduced, full);
-    return reduced;
+    const unsigned int size = IsOnDevice() ? reduced / 10 : reduced;
+    if (size == full) return full;
+    std::printf("[  REDUCED ] to %u, instead of %u, where everything runs slowly\n", size, full);
+    return size;
 }
 
 #endif

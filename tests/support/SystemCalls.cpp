@@ -4,12 +4,10 @@
 
 #include <atomic>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#include "Sanitizers.h"
+
+#if defined(TQ_ADDRESS_SANITIZED) || defined(TQ_THREAD_SANITIZED)
 #define TQ_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define TQ_SANITIZED 1
-#endif
 #endif
 
 SystemCalls systemCalls;
@@ -22,6 +20,10 @@ Function* Real(Function*, const char* name) {
 }
 
 #define REAL(name) static auto* const real = Real(&::name, #name)
+
+// Where a long is too short for late dates, what knows them has a name of its own in the C library.
+#define REAL_WITH_TIME(name) \
+    static auto* const real = Real(&::name, sizeof(time_t) > sizeof(long) ? "__" #name "64" : #name)
 
 // Within a replacement the real functions are called, and only there.
 class Replacement {
@@ -42,15 +44,24 @@ thread_local int Replacement::depth = 0;
 extern "C" {
 
 int gettimeofday(timeval* now, void* zone) noexcept {
-    REAL(gettimeofday);
+    REAL_WITH_TIME(gettimeofday);
     const Replacement replacement;
     if (!systemCalls.gettimeofday || replacement.IsNested()) return real(now, zone);
     *now = systemCalls.gettimeofday();
     return 0;
 }
 
+time_t time(time_t* now) noexcept {
+    REAL_WITH_TIME(time);
+    const Replacement replacement;
+    const time_t told =
+        !systemCalls.time || replacement.IsNested() ? real(nullptr) : systemCalls.time();
+    if (now != nullptr) *now = told;
+    return told;
+}
+
 int select(int count, fd_set* readable, fd_set* writable, fd_set* exceptional, timeval* wait) {
-    REAL(select);
+    REAL_WITH_TIME(select);
     const Replacement replacement;
     if (!systemCalls.select || replacement.IsNested()) {
         return real(count, readable, writable, exceptional, wait);
@@ -83,6 +94,28 @@ ssize_t recvfrom(int descriptor, void* bytes, size_t length, int flags, sockaddr
         return real(descriptor, bytes, length, flags, address, addressLength);
     }
     return systemCalls.recvfrom(descriptor, bytes, length, flags, address, addressLength);
+}
+
+int stat(const char* path, struct stat* status) noexcept {
+    REAL(stat);
+    const Replacement replacement;
+    if (!systemCalls.stat || replacement.IsNested()) return real(path, status);
+    return systemCalls.stat(path, status);
+}
+
+int fsync(int descriptor) {
+    REAL(fsync);
+    const Replacement replacement;
+    if (!systemCalls.fsync || replacement.IsNested()) return real(descriptor);
+    return systemCalls.fsync(descriptor);
+}
+
+int clock_gettime(clockid_t clock, timespec* now) noexcept {
+    REAL(clock_gettime);
+    const Replacement replacement;
+    if (!systemCalls.clock_gettime || replacement.IsNested()) return real(clock, now);
+    *now = systemCalls.clock_gettime();
+    return 0;
 }
 
 }  // extern "C"

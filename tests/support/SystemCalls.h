@@ -3,22 +3,30 @@
 
 #include <sys/select.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/time.h>
+#include <time.h>
 
 #include <cstddef>
+#include <ctime>
 #include <functional>
 #include <vector>
 
-/// The system functions that a test may put in the place of those that the library calls. The test
+/// The system functions that a test may put in the place of those that the library and the parts of
+/// the tools call. The test
 /// program defines them itself, before the C library does, and hands every call on to the real one
 /// unless a test has set a replacement. What a replacement calls itself is the real thing.
 /// `systemCalls = SystemCalls()` takes all replacements out again.
 struct SystemCalls {
     std::function<timeval()> gettimeofday;
+    std::function<time_t()> time;
     std::function<int(int, fd_set*, timeval*)> select;
     std::function<int(int, const sockaddr*, socklen_t)> bind;
     std::function<ssize_t(int, const void*, std::size_t, int, const sockaddr*, socklen_t)> sendto;
     std::function<ssize_t(int, void*, std::size_t, int, sockaddr*, socklen_t*)> recvfrom;
+    std::function<int(const char*, struct stat*)> stat;
+    std::function<int(int)> fsync;
+    std::function<timespec()> clock_gettime;
 };
 
 extern SystemCalls systemCalls;

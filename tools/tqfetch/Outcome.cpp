@@ -15,16 +15,22 @@ const char* const serverErrors[] = {
     "the server does not know the user",
 };
 
-Outcome ServerErrorOutcome(unsigned int code) {
-    if (code < sizeof serverErrors / sizeof *serverErrors) {
-        return {exitServerError + static_cast<int>(code), serverErrors[code]};
-    }
-    return {exitOtherServerError, "the server reports error " + std::to_string(code)};
+Outcome ServerErrorOutcome(unsigned int code, const std::string& words) {
+    const bool isKnown = code < sizeof serverErrors / sizeof *serverErrors;
+    const std::string sentence =
+        isKnown ? serverErrors[code] : "the server reports an error of its own";
+    const std::string reason = words.empty() ? std::string() : ": " + words;
+    return {isKnown ? exitServerError + static_cast<int>(code) : exitOtherServerError,
+            sentence + " (error " + std::to_string(code) + reason + ")"};
+}
+
+std::string Time(unsigned int seconds) {
+    return std::to_string(seconds) + (seconds == 1 ? " second" : " seconds");
 }
 
 }  // namespace
 
-Outcome OutcomeOf(unsigned int result) {
+Outcome OutcomeOf(unsigned int result, const std::string& words) {
     switch (result) {
         case 0:
             return {exitComplete, std::string()};
@@ -38,13 +44,16 @@ Outcome OutcomeOf(unsigned int result) {
             break;
     }
     const unsigned int code = result - TFTP_SERVER_ERROR;
-    if (code <= 0xFFFF) return ServerErrorOutcome(code);
+    if (code <= 0xFFFF) return ServerErrorOutcome(code, words);
     return {exitNotBound, "the socket could not be bound to a port"};
 }
 
 Outcome SilenceOutcome(unsigned int seconds) {
-    return {exitSilence, "no new block for " + std::to_string(seconds) +
-                             (seconds == 1 ? " second" : " seconds")};
+    return {exitSilence, "no new block for " + Time(seconds)};
+}
+
+Outcome DeadlineOutcome(unsigned int seconds) {
+    return {exitDeadline, "not complete after " + Time(seconds)};
 }
 
 Outcome TooLargeOutcome() {

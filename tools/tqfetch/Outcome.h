@@ -21,16 +21,20 @@ enum ExitStatus {
     exitNotBound = 7,
     exitNoMemory = 8,
     exitNotSent = 9,
+    exitDeadline = 10,
     exitServerError = 16,  ///< plus the server's error code, up to 7; 20 is any broken protocol
     exitOtherServerError = 24
 };
 
 /// What a result code of the TFTP client comes to. A code that none of its functions documents is
-/// the result of a failed `bind`.
-Outcome OutcomeOf(unsigned int result);
+/// the result of a failed `bind`. `words` is what the server says in an error packet.
+Outcome OutcomeOf(unsigned int result, const std::string& words = std::string());
 
 /// No new block for so long.
 Outcome SilenceOutcome(unsigned int seconds);
+
+/// Not done after so long.
+Outcome DeadlineOutcome(unsigned int seconds);
 
 /// More blocks than there are numbers.
 Outcome TooLargeOutcome();

@@ -1,60 +1,120 @@
 #include "Progress.h"
 
-#include <signal.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <atomic>
+
+#include "Message.h"
 
 namespace {
 
 const std::chrono::milliseconds betweenDrawings(100);
 
-volatile sig_atomic_t isLineOpen = 0;
+// The one whose line is not ended.
+std::atomic<Progress*> open(nullptr);
 
-void Rate(char* text, std::size_t size, double bytesPerSecond) {
-    if (bytesPerSecond >= 1e6) {
-        std::snprintf(text, size, "%.1f MB/s", bytesPerSecond / 1e6);
-    } else if (bytesPerSecond >= 1e3) {
-        std::snprintf(text, size, "%.1f kB/s", bytesPerSecond / 1e3);
-    } else {
-        std::snprintf(text, size, "%.0f B/s", bytesPerSecond);
-    }
+using Duration = std::chrono::steady_clock::duration;
+
+ProgressLine::Milliseconds ToMilliseconds(Duration duration) {
+    return static_cast<ProgressLine::Milliseconds>(
+        std::chrono::duration_cast<std::chrono::milliseconds>(duration).count());
+}
+
+std::chrono::seconds WholeSeconds(Duration duration) {
+    return std::chrono::duration_cast<std::chrono::seconds>(duration);
 }
 
 }  // namespace
 
-Progress::Progress(bool shown) : isShown(shown), start(Clock::now()) {
+ProgressLine::ProgressLine(unsigned long long bytes, Milliseconds sinceStart,
+                           Milliseconds sinceNews, std::size_t least) {
+    Add("\r");
+    AddNumber(bytes);
+    Add(" bytes  ");
+    AddRate(sinceStart > 0 ? bytes * 1000 / sinceStart : 0);
+    Add("  ");
+    AddNumber(sinceStart / 60000);
+    Add(":");
+    AddNumber(sinceStart / 1000 % 60, 2);
+    if (sinceNews >= 1000) {
+        Add("  waiting ");
+        AddNumber(sinceNews / 1000);
+        Add(" s");
+    }
+    while (length < least) Add(" ");
+}
+
+void ProgressLine::Add(const char* more) {
+    while (*more != '\0' && length < sizeof text) text[length++] = *more++;
+}
+
+void ProgressLine::AddNumber(unsigned long long number, unsigned int leastDigits) {
+    char digits[24];
+    char* first = digits + sizeof digits - 1;
+    *first = '\0';
+    for (; number > 0 || leastDigits > 0; number /= 10) {
+        *--first = static_cast<char>('0' + number % 10);
+        if (leastDigits > 0) --leastDigits;
+    }
+    Add(first);
+}
+
+void ProgressLine::AddRate(unsigned long long bytesPerSecond) {
+    if (bytesPerSecond < 1000) {
+        AddNumber(bytesPerSecond);
+        Add(" B/s");
+    } else if (bytesPerSecond < 999950) {
+        AddTenths((bytesPerSecond + 50) / 100);
+        Add(" kB/s");
+    } else {
+        AddTenths((bytesPerSecond + 50000) / 100000);
+        Add(" MB/s");
+    }
+}
+
+void ProgressLine::AddTenths(unsigned long long tenths) {
+    AddNumber(tenths / 10);
+    Add(".");
+    AddNumber(tenths % 10);
+}
+
+Progress::Progress(bool shown) : isShown(shown), start(Clock::now()), news(start) {
     if (isShown) Draw(start);
+}
+
+Progress::~Progress() {
+    EndLine();
 }
 
 void Progress::Update(unsigned long long count) {
     bytes = count;
     if (!isShown) return;
-    const Clock::time_point now = Clock::now();
-    if (now - drawn >= betweenDrawings) Draw(now);
+    news = Clock::now();
+    if (news - drawn >= betweenDrawings) Draw(news);
 }
 
 void Progress::End() {
-    if (isShown && isLineOpen != 0) Draw(Clock::now());
+    if (open != nullptr) Draw(Clock::now());
     EndLine();
 }
 
+void Progress::ShowWaiting() {
+    Progress* const progress = open;
+    if (progress == nullptr) return;
+    const Clock::time_point now = Clock::now();
+    const Clock::time_point news = progress->news;
+    if (WholeSeconds(now - news) > WholeSeconds(progress->drawn - news)) progress->Draw(now);
+}
+
 void Progress::EndLine() {
-    if (isLineOpen == 0) return;
-    isLineOpen = 0;
-    if (write(STDERR_FILENO, "\n", 1) != 1) return;  // nobody is left to be told
+    if (open.exchange(nullptr) == nullptr) return;
+    WriteWithin(0, "\n", 1);
 }
 
 void Progress::Draw(Clock::time_point now) {
     drawn = now;
-    const double seconds = std::chrono::duration<double>(now - start).count();
-    const int whole = static_cast<int>(seconds);
-    char rate[32];
-    Rate(rate, sizeof rate, seconds > 0 ? static_cast<double>(bytes) / seconds : 0);
-    char line[80];
-    // Padded, so that a shorter rate leaves nothing of a longer one.
-    const int length = std::snprintf(line, sizeof line, "\r%llu bytes  %s  %d:%02d    ", bytes,
-                                     rate, whole / 60, whole % 60);
-    isLineOpen = 1;
-    if (write(STDERR_FILENO, line, static_cast<std::size_t>(length)) != length) return;
+    const ProgressLine line(bytes, ToMilliseconds(now - start), ToMilliseconds(now - news), length);
+    length = line.Length();
+    open = this;
+    WriteWithin(0, line.Text(), line.Length());
 }
