@@ -280,6 +280,7 @@ int TqBuffer::Compare(const TqDataType& other) const {
         return -1;
     }
     const TqBuffer& buffer = TqTakenAs<TqBuffer>(other);
+    // Bytes first and lengths after them, as words stand in a dictionary.
     const unsigned int shorter = length < buffer.length ? length : buffer.length;
     const int difference = std::memcmp(data, buffer.data, shorter);
     if (difference != 0) return difference;

@@ -83,6 +83,7 @@ TqClassInfo* TqClassRegistry::ClassInfo(const char* name) const {
 }
 
 TqBaseObject* TqClassRegistry::NewObject(const char* name) const {
+    // The lookup has ended before the factory runs: that may register further classes.
     const TqClassInfo* info = ClassInfo(name);
     return info == nullptr ? nullptr : info->NewObject();
 }

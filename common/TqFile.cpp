@@ -61,6 +61,7 @@ TqBaseObject* TqFile::Clone() const {
 }
 
 int TqFile::Open(const char* name, int mode) {
+    // Kept even when opening fails: programs name the file in what they complain of.
     fileName = name;
     openMode = mode;
     TQ_REPORT_IF(fileName.length == 0);

@@ -314,6 +314,7 @@ TqDataType* TqString::Clone() const {
 }
 
 void TqString::ToString(TqString& out) const {
+    // Through the virtual table: `out` may be of a type that an application derived.
     out.Assignment(*this);
 }
 
@@ -338,6 +339,8 @@ int TqString::Compare(const TqDataType& other) const {
 bool TqString::Equals(const TqDataType* other) const {
     if (other == nullptr) return false;
     TQ_REPORT_IF(TypeId() != other->TypeId());
+    // By the counted lengths first: a text that was trimmed differs from one that never had the
+    // blanks.
     const TqString& string = TqTakenAs<TqString>(*other);
     return length == string.length && std::strcmp(data, string.data) == 0;
 }

@@ -15,7 +15,8 @@
 /// library, and of a program that is linked with -rdynamic (ENABLE_EXPORTS in CMake) all but static
 /// functions. What is behind the name is for "addr2line -Cfie FILE OFFSET".
 ///
-/// It needs glibc. It allocates, for the names; a device in the field installs something smaller.
+/// It needs glibc. It allocates, for the names; a device that is shipped installs something
+/// smaller.
 
 /// Installs the hook. Call it first in `main`. Returns the hook installed before, or null.
 TqAssertCb InstallDevelopmentAssert();

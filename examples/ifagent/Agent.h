@@ -2,52 +2,31 @@
 #define AGENT_H
 
 #include "Configuration.h"
-#include "Poll.h"
-#include "TqBaseRef.h"
 #include "TqCallbackChain.h"
 #include "TqFunctionCb.h"
 
-/// Prints each change that it is told of.
-class ChangePrinter : public TqCallback {
-public:
-    ChangePrinter() : TqCallback(nullptr) {}
-    void Invoke(TqBaseObject* source, TqCallbackData* data) override;
-};
-
-/// What to show beside the table.
-struct Show {
-    bool items;
-    bool oids;
-};
-
 /// Polls, sends what it has found, and has its monitors look at what has changed since.
-class Agent {
+class Agent : public TqCallback {
 public:
-    explicit Agent(const Configuration& agentConfiguration);
-    Agent(const Agent&) = delete;
-    Agent& operator=(const Agent&) = delete;
+    Agent();
+    void PollOnce(const char* path);  ///< polls and shows all there is to show
+    void PrintSummary() const;        ///< prints what all polls together came to
+    void Invoke(TqBaseObject* source, TqCallbackData* data) override;  ///< prints a change
 
-    /// Polls `path` once and shows all there is to show.
-    void PollOnce(const char* path, const Show& show);
-
-    /// Prints what all polls together came to.
-    void PrintSummary() const;
+    Configuration configuration;
+    bool showItems = false;  ///< the bytes that are sent
+    bool showOids = false;   ///< each value with its object identifier
 
 private:
     void AddAddresses(Poll& poll) const;
-    void ChooseWatched(Poll& poll) const;
-    void Observe(const Poll& before, const Poll& after);
-    void PrintTitle(const char* path, const TqDateTime& time);
+    void Observe(Monitor& monitor, const Poll& before, const Poll& after);
 
-    const Configuration& configuration;
-    unsigned int pollCount;
+    unsigned int pollCount = 0;
     TqCounter changeCount;
     TqRef<Poll> latest;  ///< kept for the comparison with the next one
 
-    // The chain borrows its callbacks: it goes first.
-    ChangePrinter printChange;
     TqFunctionCb countChange;
-    TqCallbackChain listeners;
+    TqCallbackChain listeners;  ///< borrows its callbacks, and so goes before them
 };
 
 #endif

@@ -1,165 +1,132 @@
 #include "Configuration.h"
 
-#include <stdio.h>
 #include <string.h>
 
-#include "Complaints.h"
-#include "Download.h"
-#include "LineReader.h"
-#include "TqBuffer.h"
+#include "TqClassInfo.h"
+#include "TqClassRegistry.h"
+
+static bool IsFault(unsigned int value) {
+    return value == inDiscards || value == inErrors || value == outDiscards || value == outErrors;
+}
+
+// Watches bytes and packets.
+class TrafficMonitor : public Monitor {
+    TQ_DECLARE_CLASS(TrafficMonitor)
+    bool Watches(unsigned int v) const override { return v >= firstCounter && !IsFault(v); }
+};
+
+// Watches what was dropped and what was damaged.
+class FaultMonitor : public Monitor {
+    TQ_DECLARE_CLASS(FaultMonitor)
+    bool Watches(unsigned int v) const override { return IsFault(v); }
+};
+
+// Watches whether the interface is up.
+class LinkMonitor : public Monitor {
+    TQ_DECLARE_CLASS(LinkMonitor)
+    bool Watches(unsigned int v) const override { return v == upValue; }
+};
+
+TQ_IMPLEMENT_ABSTRACT_CLASS(Monitor, TqBaseObject)
+TQ_IMPLEMENT_CLASS(TrafficMonitor, Monitor)
+TQ_IMPLEMENT_CLASS(FaultMonitor, Monitor)
+TQ_IMPLEMENT_CLASS(LinkMonitor, Monitor)
+
+void RegisterMonitorClasses() {
+    TqBaseRefList& classes = TqClassRegistry::GetRegistry()->classList;
+    TqBaseObject* const monitorClasses[] = {
+        Monitor::MonitorInitInfo(), TrafficMonitor::TrafficMonitorInitInfo(),
+        FaultMonitor::FaultMonitorInitInfo(), LinkMonitor::LinkMonitorInitInfo()};
+    for (TqBaseObject* info : monitorClasses) classes.InsertSlot(classes.count + 1, info);
+}
 
 namespace {
 
-const char blanks[] = " \t\r";
 const int longestInterval = 3600;
-const unsigned int mostWords = 4;
+const unsigned int mostWords = 5;  // one more than any line is to have
 
-// Cuts `line` into words; the rest of them are null. Returns how many there are, or `mostWords + 1`
-// when there are more.
-unsigned int SplitWords(char* line, char* (&words)[mostWords]) {
+// The functions below take over the words of one line. They return false after a complaint.
+
+bool SetPoll(Configuration& configuration, char** words) {
+    configuration.poll.FromString(words[1]);
+    return true;
+}
+
+bool SetInterval(Configuration& configuration, char** words) {
+    const int seconds = WholeNumber(words[1], longestInterval);
+    if (seconds >= 0) configuration.interval = TqNumber(seconds);
+    return seconds >= 0 || Complain("an interval is a number of seconds up to %d", longestInterval);
+}
+
+bool AddMonitor(Configuration& configuration, char** words) {
+    TqClassInfo* info = TqClassRegistry::GetRegistry()->ClassInfo(words[1]);
+    if (info == nullptr || !info->IsA(Monitor::MonitorInitInfo())) {
+        return Complain("no monitor class \"%s\"", words[1]);
+    }
+    TqRef<Monitor> monitor(static_cast<Monitor*>(info->NewObject()));
+    if (monitor.object == nullptr) return Complain("monitor class \"%s\" is abstract", words[1]);
+    static_cast<Monitor*>(monitor.object)->interfaceName = words[2];
+    configuration.monitors.InsertSlot(configuration.monitors.count + 1, monitor.object);
+    return true;
+}
+
+// Behind "allow" stands a network, and behind "address" the name of an interface first.
+bool AddSubnet(Configuration& configuration, char** words) {
+    const bool hasName = words[3] != nullptr;
+    const char* address = words[hasName ? 2 : 1];
+    const char* mask = words[hasName ? 3 : 2];
+    TqRef<Subnet> kept(new Subnet);
+    Subnet* subnet = static_cast<Subnet*>(kept.object);
+    if (!subnet->address.fromString(address)) return Complain("\"%s\" is not an address", address);
+    if (!subnet->mask.fromString(mask)) return Complain("\"%s\" is not a mask", mask);
+    if (hasName) subnet->interfaceName = words[1];
+    TqBaseRefList& list = hasName ? configuration.addresses : configuration.allowed;
+    list.InsertSlot(list.count + 1, kept.object);
+    return true;
+}
+
+// A line begins with a keyword, and so many words follow it.
+const struct {
+    const char* name;
+    unsigned int fewest;
+    unsigned int most;
+    bool (*take)(Configuration& configuration, char** words);
+} keywords[] = {
+    {"poll", 1, 1, SetPoll},    {"interval", 1, 1, SetInterval}, {"monitor", 1, 2, AddMonitor},
+    {"allow", 2, 2, AddSubnet}, {"address", 3, 3, AddSubnet},
+};
+
+bool TakeLine(Configuration& configuration, char* line) {
     line[strcspn(line, "#")] = '\0';
-    for (char*& word : words) word = nullptr;
+    char* words[mostWords];  // the rest of them are null
     unsigned int count = 0;
     char* rest = nullptr;
-    for (char* word = strtok_r(line, blanks, &rest); word != nullptr;
-         word = strtok_r(nullptr, blanks, &rest)) {
-        if (count == mostWords) return mostWords + 1;
-        words[count++] = word;
+    for (char*& word : words) {
+        word = strtok_r(count == 0 ? line : nullptr, " \t\r", &rest);
+        if (word != nullptr) ++count;
     }
-    return count;
+    if (count == 0) return true;
+    const char* name = words[0];
+    for (const auto& keyword : keywords) {
+        if (strcmp(name, keyword.name) != 0) continue;
+        if (count <= keyword.fewest) return Complain("too few words behind \"%s\"", name);
+        if (count > keyword.most + 1) return Complain("too many words behind \"%s\"", name);
+        return keyword.take(configuration, words);
+    }
+    return Complain("unknown keyword \"%s\"", name);
 }
 
 }  // namespace
 
-// A line begins with a keyword, and so many words follow it.
-struct Configuration::Keyword {
-    const char* name;
-    unsigned int fewest;
-    unsigned int most;
-    bool (Configuration::*take)(char** words, TqString& complaint);
-};
-
-const Configuration::Keyword Configuration::keywords[] = {
-    {"poll", 1, 1, &Configuration::SetPoll},       {"interval", 1, 1, &Configuration::SetInterval},
-    {"monitor", 1, 2, &Configuration::AddMonitor}, {"allow", 2, 2, &Configuration::AddAllowed},
-    {"address", 3, 3, &Configuration::AddAddress},
-};
-
-bool ParseWholeNumber(const char* text, int most, TqNumber& number) {
-    // The number's own parser takes anything, and wraps around: ask first.
-    const size_t digits = strspn(text, "0123456789");
-    if (digits == 0 || digits > 9 || text[digits] != '\0') return false;
-
-    TqNumber parsed;
-    parsed.FromString(text);
-    if (parsed > most) return false;
-    number = parsed;
-    return true;
-}
-
-Configuration::Configuration() : poll(1), interval(1) {}
-
-void Configuration::SetDefaults() {
-    char lines[][32] = {"monitor TrafficMonitor", "monitor FaultMonitor", "monitor LinkMonitor"};
-    TqString complaint;
-    for (char* line : lines) ReadLine(line, complaint);
-}
-
-bool Configuration::Read(const char* path) {
-    LineReader reader;
-    if (!reader.Open(path)) return false;
-
+void Configuration::Read(LineReader& reader) {
     TqString line;
-    while (reader.NextLine(line)) TakeLine(path, reader.LineNumber(), line);
-    return true;
-}
-
-bool Configuration::Fetch(const char* server, const char* fileName) {
-    TqBuffer content;
-    if (!Download(server, fileName, content)) return false;
-    printf("configuration: %s, %u bytes from %s\n\n", fileName, content.length, server);
-
-    const char* start = reinterpret_cast<const char*>(content.data);
-    const char* end = start + content.length;
-    for (unsigned int lineNumber = 1; start < end; ++lineNumber) {
-        const void* newline = memchr(start, '\n', static_cast<size_t>(end - start));
-        const char* lineEnd = newline != nullptr ? static_cast<const char*>(newline) : end;
-        TqString line;
-        if (MakeText(start, static_cast<unsigned int>(lineEnd - start), line)) {
-            TakeLine(fileName, lineNumber, line);
-        } else {
-            Complain("%s:%u: %s", fileName, lineNumber, nulComplaint);
-        }
-        start = lineEnd + 1;
-    }
-    return true;
+    while (reader.NextLine(line)) TakeLine(*this, line.data);
 }
 
 bool Configuration::Allows(const TqIpAddress& address) const {
     for (unsigned int i = 1; i <= allowed.count; ++i) {
-        if (ItemOf(allowed, i)->Contains(address)) return true;
+        const Subnet* network = ItemOf(allowed, i);
+        if (network->NetworkOf(address) == network->NetworkOf(network->address)) return true;
     }
     return allowed.count == 0;
-}
-
-void Configuration::TakeLine(const char* source, unsigned int lineNumber, TqString& line) {
-    TqString complaint;
-    if (!ReadLine(line.data, complaint)) {
-        Complain("%s:%u: %s", source, lineNumber, complaint.data);
-    }
-}
-
-// Takes over one line, which is cut into words. False, with a complaint, when it is not understood.
-bool Configuration::ReadLine(char* line, TqString& complaint) {
-    char* words[mostWords];
-    const unsigned int count = SplitWords(line, words);
-    if (count == 0) return true;
-
-    for (const Keyword& keyword : keywords) {
-        if (strcmp(words[0], keyword.name) != 0) continue;
-        if (count - 1 >= keyword.fewest && count - 1 <= keyword.most) {
-            return (this->*keyword.take)(words, complaint);
-        }
-        complaint = TqString(count - 1 < keyword.fewest ? "too few" : "too many") +
-                    " words behind \"" + keyword.name + "\"";
-        return false;
-    }
-    complaint = TqString("unknown keyword \"") + words[0] + "\"";
-    return false;
-}
-
-bool Configuration::SetPoll(char** words, TqString&) {
-    poll.FromString(words[1]);
-    return true;
-}
-
-bool Configuration::SetInterval(char** words, TqString& complaint) {
-    if (ParseWholeNumber(words[1], longestInterval, interval)) return true;
-    complaint = "an interval is a number of seconds up to ";
-    complaint.AppendNumber(longestInterval);
-    return false;
-}
-
-bool Configuration::AddMonitor(char** words, TqString& complaint) {
-    TqRef<Monitor> monitor = MakeMonitor(words[1], complaint);
-    if (monitor.object == nullptr) return false;
-    static_cast<Monitor*>(monitor.object)->interfaceName = words[2];
-    monitors.InsertSlot(monitors.count + 1, monitor.object);
-    return true;
-}
-
-bool Configuration::AddAllowed(char** words, TqString& complaint) {
-    TqRef<Subnet> network(new Subnet);
-    if (!static_cast<Subnet*>(network.object)->Parse(words[1], words[2], complaint)) return false;
-    allowed.InsertSlot(allowed.count + 1, network.object);
-    return true;
-}
-
-bool Configuration::AddAddress(char** words, TqString& complaint) {
-    TqRef<Subnet> address(new Subnet);
-    Subnet* subnet = static_cast<Subnet*>(address.object);
-    if (!subnet->Parse(words[2], words[3], complaint)) return false;
-    subnet->interfaceName = words[1];
-    addresses.InsertSlot(addresses.count + 1, address.object);
-    return true;
 }

@@ -1,33 +1,42 @@
 #ifndef CONFIGURATION_H
 #define CONFIGURATION_H
 
-#include "Monitor.h"
-#include "Subnet.h"
-#include "TqBaseRefList.h"
-#include "TqBoolean.h"
+#include "Interface.h"
+#include "TqCallbackData.h"
 #include "TqNumber.h"
-#include "TqString.h"
 
-/// Parses decimal digits and nothing else. Returns false, and `number` stays as it is, when `text`
-/// is something else or above `most`.
-bool ParseWholeNumber(const char* text, int most, TqNumber& number);
+/// What listeners are told: one value of one interface is no longer what it was. Valid during the
+/// call.
+class ValueChange : public TqCallbackData {
+public:
+    const Interface* before;
+    const Interface* after;
+    unsigned int value;
+};
 
-/// What the agent is to do, from a file of lines such as "poll On". Empty lines and what follows a
-/// '#' mean nothing.
+/// Watches some of the values of one interface, or of all. The configuration names the class, and
+/// the class registry makes the object.
+class Monitor : public TqBaseObject {
+    TQ_DECLARE_CLASS(Monitor)
+
+public:
+    virtual bool Watches(unsigned int value) const = 0;  ///< whether it looks at that value
+
+    TqString interfaceName;  ///< the only one that is watched; empty for all
+};
+
+/// Enters all monitor classes into the class registry. Call it once at start-up.
+void RegisterMonitorClasses();
+
+/// What the agent is to do, from lines such as "poll On". Empty lines and what follows a '#' mean
+/// nothing.
 class Configuration {
 public:
     /// Polling is on, every second, and nothing watched.
-    Configuration();
+    Configuration() : poll(1), interval(1) {}
 
-    /// Watches all there is to watch: for an agent without a file.
-    void SetDefaults();
-
-    /// Takes over the lines of `path`. One that is not understood is complained of and left out.
-    /// Returns whether the file could be read at all.
-    bool Read(const char* path);
-
-    /// The same for `fileName` on a TFTP server.
-    bool Fetch(const char* server, const char* fileName);
+    /// Takes over all lines. One that is not understood is complained of and left out.
+    void Read(LineReader& reader);
 
     /// Whether an address is in one of the allowed networks; always true when none is named.
     bool Allows(const TqIpAddress& address) const;
@@ -37,18 +46,6 @@ public:
     TqRefList<Monitor> monitors;  ///< "monitor LinkMonitor eth0", or of all interfaces
     TqRefList<Subnet> allowed;    ///< "allow 10.0.0.0 255.0.0.0"
     TqRefList<Subnet> addresses;  ///< "address eth0 10.1.2.3 255.0.0.0": what no kernel tells
-
-private:
-    struct Keyword;
-    static const Keyword keywords[];
-
-    void TakeLine(const char* source, unsigned int lineNumber, TqString& line);
-    bool ReadLine(char* line, TqString& complaint);
-    bool SetPoll(char** words, TqString& complaint);
-    bool SetInterval(char** words, TqString& complaint);
-    bool AddMonitor(char** words, TqString& complaint);
-    bool AddAllowed(char** words, TqString& complaint);
-    bool AddAddress(char** words, TqString& complaint);
 };
 
 #endif

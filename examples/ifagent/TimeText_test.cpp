@@ -1,6 +1,6 @@
 // How the example writes dates.
 
-#include "TimeText.h"
+#include "Text.h"
 
 #include <gtest/gtest.h>
 

@@ -5,22 +5,19 @@
 #include <stdio.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "Agent.h"
-#include "Complaints.h"
-#include "Configuration.h"
 #include "DevelopmentAssert.h"
-#include "Monitor.h"
-#include "ProcNetDev.h"
+#include "Download.h"
 #include "TqClassRegistry.h"
-#include "TqNumber.h"
 
 namespace {
 
 const char usage[] =
     "Usage: ifagent [OPTION]... [FILE]...\n"
     "Reads network interface counters, sends them through a byte buffer, and shows them and what\n"
-    "has changed. Each FILE has the format of /proc/net/dev, which is the default.\n"
-    "\n"
+    "has changed. Each FILE has the format of /proc/net/dev, which is the default.\n\n"
     "  -c, --config FILE  read what to do from FILE, lines such as \"poll On\"\n"
     "  -t, --tftp SERVER FILE\n"
     "                     fetch that file from a TFTP server instead\n"
@@ -29,10 +26,8 @@ const char usage[] =
     "  -i, --items        show the bytes that are sent\n"
     "  -o, --oids         show each value with its object identifier\n"
     "  -m, --monitors     show what classes of monitors there are, and exit\n"
-    "  -h, --help         show this, and exit\n"
-    "\n"
-    "A poll's time is UTC; beside it stands what the library makes of it, and how to read that.\n"
-    "\n"
+    "  -h, --help         show this, and exit\n\n"
+    "A poll's time is UTC; beside it stands what the library makes of it, and how to read that.\n\n"
     "Exit status: 0 when all went well; 1 when something was complained of, and the rest done all\n"
     "the same; 2 when the command line is wrong.\n";
 
@@ -43,125 +38,71 @@ const option longOptions[] = {
     {"help", no_argument, nullptr, 'h'},         {nullptr, 0, nullptr, 0},
 };
 
+const char defaults[] = "monitor TrafficMonitor\nmonitor FaultMonitor\nmonitor LinkMonitor\n";
 const int mostPolls = 999999999;
 
 enum ExitStatus { exitOk = 0, exitComplaints = 1, exitUsage = 2 };
 
 struct CommandLine {
-    CommandLine();
-
-    // The file of the `i`-th poll, from 0.
-    const char* Path(int i) const;
-
     const char* configPath;
     const char* tftpServer;  // where that is, if not here
-    char** paths;
-    int pathCount;
-    int pollCount;  // 0 until said
-    Show show;
+    int pollCount;           // 0 until said
     bool showClasses;
     bool showHelp;
 };
 
-CommandLine::CommandLine()
-    : configPath(nullptr),
-      tftpServer(nullptr),
-      paths(nullptr),
-      pathCount(0),
-      pollCount(0),
-      show(),
-      showClasses(false),
-      showHelp(false) {}
-
-const char* CommandLine::Path(int i) const {
-    if (pathCount == 0) return procNetDev;
-    return paths[i < pathCount ? i : pathCount - 1];
-}
-
-// False, after a complaint, when it is no number of polls.
-bool ParseCount(const char* text, int& count) {
-    TqNumber number;
-    if (ParseWholeNumber(text, mostPolls, number) && number > 0) {
-        count = number;
-        return true;
+// Takes over one option. False after a complaint.
+bool TakeOption(int letter, int argc, char** argv, CommandLine& commandLine, Agent& agent) {
+    if (letter == 'i') agent.showItems = true;
+    if (letter == 'o') agent.showOids = true;
+    if (letter == 'm') commandLine.showClasses = true;
+    if (letter == 'h') commandLine.showHelp = true;
+    if (letter == 'c') {
+        commandLine.configPath = optarg;
+        commandLine.tftpServer = nullptr;
     }
-    Complain("\"%s\" is not a number of polls", text);
-    return false;
-}
-
-// The option has two arguments, of which getopt knows one. False, after a complaint, when there is
-// only that.
-bool TakeTftp(int argc, char** argv, CommandLine& commandLine) {
-    if (optind >= argc) {
-        Complain("--tftp needs a server and a file");
-        return false;
+    if (letter == 't') {
+        // The option has two arguments, of which getopt knows one.
+        if (optind >= argc) return Complain("--tftp needs a server and a file");
+        commandLine.tftpServer = optarg;
+        commandLine.configPath = argv[optind++];
     }
-    commandLine.tftpServer = optarg;
-    commandLine.configPath = argv[optind++];
-    return true;
-}
-
-// False after a complaint.
-bool ParseCommandLine(int argc, char** argv, CommandLine& commandLine) {
-    int letter = 0;
-    while ((letter = getopt_long(argc, argv, "c:t:n:iomh", longOptions, nullptr)) != -1) {
-        switch (letter) {
-            case 'c':
-                commandLine.configPath = optarg;
-                commandLine.tftpServer = nullptr;
-                break;
-            case 't':
-                if (!TakeTftp(argc, argv, commandLine)) return false;
-                break;
-            case 'n':
-                if (!ParseCount(optarg, commandLine.pollCount)) return false;
-                break;
-            case 'i':
-                commandLine.show.items = true;
-                break;
-            case 'o':
-                commandLine.show.oids = true;
-                break;
-            case 'm':
-                commandLine.showClasses = true;
-                break;
-            case 'h':
-                commandLine.showHelp = true;
-                break;
-            default:
-                return false;
-        }
+    if (letter == 'n') {
+        commandLine.pollCount = WholeNumber(optarg, mostPolls);
+        if (commandLine.pollCount <= 0) return Complain("\"%s\" is not a number of polls", optarg);
     }
-    commandLine.paths = argv + optind;
-    commandLine.pathCount = argc - optind;
-    if (commandLine.pollCount == 0) {
-        commandLine.pollCount = commandLine.pathCount > 0 ? commandLine.pathCount : 1;
-    }
-    return true;
+    return letter != '?';
 }
 
 // False, after a complaint, when there is none.
 bool ReadConfiguration(const CommandLine& commandLine, Configuration& configuration) {
-    if (commandLine.tftpServer != nullptr) {
-        return configuration.Fetch(commandLine.tftpServer, commandLine.configPath);
+    const char* path = commandLine.configPath;
+    const char* server = commandLine.tftpServer;
+    LineReader reader(path);
+    TqString complaint;
+    if (path == nullptr) {
+        reader.text.Append(reinterpret_cast<const unsigned char*>(defaults), sizeof defaults - 1);
+    } else if (server == nullptr) {
+        if (!reader.ReadFile()) return false;
+    } else {
+        if (!Download(server, path, reader.text, complaint)) return Complain("%s", complaint.data);
+        printf("configuration: %s, %u bytes from %s\n\n", path, reader.text.length, server);
     }
-    if (commandLine.configPath != nullptr) return configuration.Read(commandLine.configPath);
-    configuration.SetDefaults();
+    configuration.Read(reader);
     return true;
 }
 
-void Run(const CommandLine& commandLine) {
-    Configuration configuration;
-    if (!ReadConfiguration(commandLine, configuration)) return;
-    if (!configuration.poll) {
+void Run(const CommandLine& commandLine, Agent& agent, char** paths, int pathCount) {
+    if (!ReadConfiguration(commandLine, agent.configuration)) return;
+    if (!agent.configuration.poll) {
         printf("poll is off: nothing to do\n");
         return;
     }
-
-    Agent agent(configuration);
-    for (int i = 0; i < commandLine.pollCount; ++i) {
-        if (i > 0) sleep(static_cast<unsigned int>(int(configuration.interval)));
-        agent.PollOnce(commandLine.Path(i), commandLine.show);
+    const int pollCount =
+        commandLine.pollCount > 0 ? commandLine.pollCount : std::max(pathCount, 1);
+    for (int i = 0; i < pollCount; ++i) {
+        if (i > 0) sleep(static_cast<unsigned int>(agent.configuration.interval.value));
+        agent.PollOnce(pathCount > 0 ? paths[std::min(i, pathCount - 1)] : procNetDev);
     }
     agent.PrintSummary();
 }
@@ -175,19 +116,20 @@ int main(int argc, char** argv) {
 
     static char programName[] = "ifagent";
     argv[0] = programName;  // for the complaints of getopt
-    CommandLine commandLine;
-    if (!ParseCommandLine(argc, argv, commandLine)) {
+    Agent agent;
+    CommandLine commandLine = CommandLine();
+    int letter = 0;
+    while ((letter = getopt_long(argc, argv, "c:t:n:iomh", longOptions, nullptr)) != -1) {
+        if (TakeOption(letter, argc, argv, commandLine, agent)) continue;
         fprintf(stderr, "Try \"ifagent --help\".\n");
         return exitUsage;
     }
     if (commandLine.showHelp) {
         fputs(usage, stdout);
-        return exitOk;
-    }
-    if (commandLine.showClasses) {
+    } else if (commandLine.showClasses) {
         TqClassRegistry::GetRegistry()->Dump();
-        return exitOk;
+    } else {
+        Run(commandLine, agent, argv + optind, argc - optind);
     }
-    Run(commandLine);
-    return ComplaintCount() + DevelopmentAssertCount() == 0 ? exitOk : exitComplaints;
+    return complaintCount + DevelopmentAssertCount() == 0 ? exitOk : exitComplaints;
 }

@@ -1,4 +1,4 @@
-// An application as they are in the field: compiled once, run with every later library. It derives
+// An application as devices have them: compiled once, run with every later library. It derives
 // from the library's classes, is called back by it, and prints what it sees.
 
 #include <cstdio>

@@ -1,5 +1,5 @@
 // Compiled with flags that allow a compiler to suppose that there is nothing but numbers. Prints
-// what is not as stated and fails.
+// what came out otherwise and fails.
 
 #include <cstdio>
 #include <cstring>
@@ -14,7 +14,7 @@ int failures = 0;
 
 void Expect(const char* what, bool holds) {
     if (holds) return;
-    std::printf("not as stated: %s\n", what);
+    std::printf("came out otherwise: %s\n", what);
     ++failures;
 }
 

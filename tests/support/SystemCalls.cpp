@@ -22,8 +22,10 @@ Function* Real(Function*, const char* name) {
 #define REAL(name) static auto* const real = Real(&::name, #name)
 
 // Where a long is too short for late dates, what knows them has a name of its own in the C library.
+const bool timesAreLong = sizeof(time_t) > sizeof(long);
+
 #define REAL_WITH_TIME(name) \
-    static auto* const real = Real(&::name, sizeof(time_t) > sizeof(long) ? "__" #name "64" : #name)
+    static auto* const real = Real(&::name, timesAreLong ? "__" #name "64" : #name)
 
 // Within a replacement the real functions are called, and only there.
 class Replacement {
@@ -97,7 +99,8 @@ ssize_t recvfrom(int descriptor, void* bytes, size_t length, int flags, sockaddr
 }
 
 int stat(const char* path, struct stat* status) noexcept {
-    REAL(stat);
+    static auto* const real =
+        Real<int(const char*, struct stat*)>(nullptr, timesAreLong ? "__stat64_time64" : "stat");
     const Replacement replacement;
     if (!systemCalls.stat || replacement.IsNested()) return real(path, status);
     return systemCalls.stat(path, status);
@@ -111,12 +114,29 @@ int fsync(int descriptor) {
 }
 
 int clock_gettime(clockid_t clock, timespec* now) noexcept {
-    REAL(clock_gettime);
+    REAL_WITH_TIME(clock_gettime);
     const Replacement replacement;
     if (!systemCalls.clock_gettime || replacement.IsNested()) return real(clock, now);
     *now = systemCalls.clock_gettime();
     return 0;
 }
+
+#if defined(__USE_TIME_BITS64) && __TIMESIZE == 32
+// The clocks of the C++ library ask for the time in the short form.
+struct ShortTime {
+    long seconds;
+    long nanoseconds;
+};
+
+int ShortClockGettime(clockid_t clock, ShortTime* now) noexcept __asm__("clock_gettime");
+int ShortClockGettime(clockid_t clock, ShortTime* now) noexcept {
+    timespec time;
+    const int result = clock_gettime(clock, &time);
+    now->seconds = static_cast<long>(time.tv_sec);
+    now->nanoseconds = static_cast<long>(time.tv_nsec);
+    return result;
+}
+#endif
 
 }  // extern "C"
 

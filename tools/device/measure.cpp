@@ -50,7 +50,7 @@ Run::Run(char* program) {
     int fromProgram[2];
     if (pipe2(toProgram, O_CLOEXEC) != 0 || pipe2(fromProgram, O_CLOEXEC) != 0) std::abort();
     const Clock::time_point start = Clock::now();
-    id = vfork();
+    id = fork();
     if (id == 0) {
         dup2(toProgram[0], STDIN_FILENO);
         dup2(fromProgram[1], STDOUT_FILENO);
@@ -105,6 +105,7 @@ Numbers Run::Measure() const {
 
 long long MedianOf(const std::vector<Numbers>& all, const char* name) {
     std::vector<long long> values;
+    values.reserve(all.size());
     for (const Numbers& numbers : all) values.push_back(numbers.at(name));
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];
@@ -112,6 +113,7 @@ long long MedianOf(const std::vector<Numbers>& all, const char* name) {
 
 void InTurn(int runs, char* program) {
     std::vector<Numbers> all;
+    all.reserve(static_cast<std::size_t>(runs));
     for (int i = 0; i < runs; ++i) all.push_back(Run(program).Measure());
     std::printf(
         "%s: loaded %lld us, started %lld us, faults %lld, resident %lld, shared %lld, dirty "
@@ -122,8 +124,10 @@ void InTurn(int runs, char* program) {
 
 void AtOnce(int count, char* program) {
     std::vector<Run*> running;
+    running.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) running.push_back(new Run(program));
     std::vector<Numbers> all;
+    all.reserve(running.size());
     for (const Run* run : running) all.push_back(run->Measure());
     for (const Run* run : running) delete run;
 

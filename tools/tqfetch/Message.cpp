@@ -17,7 +17,7 @@ std::size_t PlainLength(const char* text, std::size_t left) {
     unsigned int point = first & (0x7Fu >> length);
     for (std::size_t i = 1; i < length; ++i) {
         if ((text[i] & 0xC0) != 0x80) return 0;
-        point = point << 6 | (text[i] & 0x3Fu);
+        point = point << 6 | (static_cast<unsigned char>(text[i]) & 0x3Fu);
     }
     // Below are the other control characters, and characters that took too many bytes.
     const unsigned int least[] = {0xA0, 0x800, 0x10000};

@@ -122,7 +122,7 @@ Outcome Transfer(const Options& options, unsigned int address, TargetFile& targe
     const unsigned int result = TFTP_open(&request);
     if (result != 0) return WithReason(OutcomeOf(result), errno);
     const Ticks ticks;
-    const Outcome outcome = ReadBlocks(options, target, progress);
+    Outcome outcome = ReadBlocks(options, target, progress);
     TFTP_close();
     return outcome;
 }
@@ -137,7 +137,7 @@ Outcome Fetch(const Options& options) {
     Progress progress(!options.isQuiet && !target.IsTerminal() && isatty(STDOUT_FILENO) != 0 &&
                       isatty(STDERR_FILENO) != 0);
     SilenceStandardOutput();
-    const Outcome outcome = Transfer(options, address, target, progress);
+    Outcome outcome = Transfer(options, address, target, progress);
     progress.End();
     if (outcome.status == exitComplete) target.Complete();
     return outcome;

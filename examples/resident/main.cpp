@@ -15,11 +15,8 @@
 #include <unistd.h>
 
 #include "DevelopmentAssert.h"
+#include "Download.h"
 #include "ifagent/Agent.h"
-#include "ifagent/Complaints.h"
-#include "ifagent/Configuration.h"
-#include "ifagent/Monitor.h"
-#include "ifagent/ProcNetDev.h"
 
 namespace {
 
@@ -80,19 +77,21 @@ bool IsOfChange(const Configuration& configuration, int change) {
 bool Live(const char* server, int change, int polls, const char* interface) {
     char name[32];
     snprintf(name, sizeof name, "change-%d", change);
-    Configuration configuration;
-    if (!configuration.Fetch(server, name)) return false;
-    if (!IsOfChange(configuration, change)) {
+    Agent agent;
+    LineReader reader(name);
+    TqString complaint;
+    if (!Download(server, name, reader.text, complaint)) return Complain("%s", complaint.data);
+    agent.configuration.Read(reader);
+    if (!IsOfChange(agent.configuration, change)) {
         fprintf(stderr, "resident: %s holds another configuration\n", name);
         return false;
     }
-    Agent agent(configuration);
     for (int poll = 0; poll < polls; ++poll) {
         if (poll == 2 && change % 2 == 0 && !SetUp(interface, change % 4 == 0)) {
             perror(interface);
             return false;
         }
-        agent.PollOnce(procNetDev, Show());
+        agent.PollOnce(procNetDev);
     }
     agent.PrintSummary();
     return true;
@@ -125,6 +124,6 @@ int main(int argc, char** argv) {
     }
     const bool isFlat = IsFlat(settled, AskTheKernel());
     fprintf(stderr, "memory %s; %u complaints, %u failed checks\n",
-            isFlat ? "is flat" : "HAS GROWN", ComplaintCount(), DevelopmentAssertCount());
-    return isFlat && ComplaintCount() + DevelopmentAssertCount() == 0 ? 0 : 1;
+            isFlat ? "is flat" : "HAS GROWN", complaintCount, DevelopmentAssertCount());
+    return isFlat && complaintCount + DevelopmentAssertCount() == 0 ? 0 : 1;
 }
