@@ -310,6 +310,8 @@ void TqWriteItem(TqBuffer& out, unsigned int statedLength, const void* payload,
     // In one piece: digits and payload are moved to a larger block once, not twice, and the block
     // has the size that one append of both would give it.
     TqMakeRoom(out, tqItemDigits + count);
+    // Room for the digits there is even when that sum has wrapped around.
+    TqMakeRoom(out, tqItemDigits);
     unsigned char* digits = out.data + out.length;
     digits[0] = static_cast<unsigned char>('0' + statedLength / 10000);
     TqPutPair(digits + 1, statedLength / 100 % 100);

@@ -45,16 +45,33 @@ bool HasZeroByte(Word word) {
     return ((word - ones) & ~word & (ones << 7)) != 0;
 }
 
-// Copies a text of at most `count` characters, up to its first NUL. It is short and lies elsewhere:
-// a call would take longer than the copy, and the NUL is found on the way.
-void CopyShortText(char* to, const char* text, unsigned int count) {
+// What is known of a text and a count of its characters.
+enum Extent {
+    promised,  // there may be fewer: nothing behind the first NUL is read
+    held,      // there are as many, NULs perhaps among them
+    measured   // there are as many, and none is a NUL
+};
+
+// Short areas are copied and cleared word by word: calls would take longer.
+
+// Copies the text up to its first NUL or `count` characters, and tells how many those were. It does
+// not overlap its new place.
+unsigned int CopyShortText(char* to, const char* text, unsigned int count, Extent extent) {
     unsigned int i = 0;
-    for (Word word; i + sizeof word <= count; i += sizeof word) {
+    for (Word word; extent != promised && i + sizeof word <= count; i += sizeof word) {
         std::memcpy(&word, text + i, sizeof word);
         if (HasZeroByte(word)) break;
         std::memcpy(to + i, &word, sizeof word);
     }
     for (; i < count && text[i] != '\0'; ++i) to[i] = text[i];
+    return i;
+}
+
+void ZeroShortArea(char* area, unsigned int count) {
+    const Word zero = 0;
+    unsigned int i = 0;
+    for (; i + sizeof zero <= count; i += sizeof zero) std::memcpy(area + i, &zero, sizeof zero);
+    for (; i < count; ++i) area[i] = '\0';
 }
 
 // Copies the text, up to its first NUL or `count` characters, and fills up with NULs so that
@@ -66,10 +83,9 @@ void CopyText(char* to, const char* text, unsigned int count) {
     std::memset(to + copied, 0, count - copied + 1);
 }
 
-// A block for `count` characters with those of the text. `isWhole` says that no NUL is among them.
-char* NewBlock(const char* text, unsigned int count, bool isWhole) {
+char* NewBlock(const char* text, unsigned int count, Extent extent) {
     char* block = static_cast<char*>(std::malloc(std::size_t(count) + 1));
-    if (isWhole) {
+    if (extent == measured) {
         std::memcpy(block, text, count);
         block[count] = '\0';
     } else {
@@ -84,46 +100,38 @@ void TakeBlock(TqString& string, char* block, unsigned int count) {
     string.capacity = count + 1;
 }
 
-// All of it: programs compare and send the area as it lies there. Word by word: where code is built
-// for size, a library call would take longer.
-void ZeroInternalData(TqString& string) {
-    const Word zero = 0;
-    for (unsigned int i = 0; i < internalCapacity; i += sizeof zero) {
-        std::memcpy(string.internalData + i, &zero, sizeof zero);
-    }
-    string.internalData[internalCapacity] = '\0';
-}
-
-// Puts a text that fits and lies elsewhere inside the object.
-void PutInside(TqString& string, const char* text, unsigned int count) {
-    ZeroInternalData(string);
-    CopyShortText(string.internalData, text, count);
+// Puts a text that fits and lies elsewhere inside the object, with NULs behind it up to the `end`.
+void PutInside(TqString& string, const char* text, unsigned int count, Extent extent,
+               unsigned int end) {
+    const unsigned int copied = CopyShortText(string.internalData, text, count, extent);
+    ZeroShortArea(string.internalData + copied, end + 1 - copied);
     string.length = count;
 }
 
 // What the constructors share: the storage is chosen from nothing.
-void Construct(TqString& string, const char* text, unsigned int count, bool isWhole) {
+void Construct(TqString& string, const char* text, unsigned int count, Extent extent) {
+    // All of it: programs compare and send the area as it lies there.
+    ZeroShortArea(string.internalData, sizeof string.internalData);
     if (count > constructedInside) {
-        ZeroInternalData(string);
-        TakeBlock(string, NewBlock(text, count, isWhole), count);
+        TakeBlock(string, NewBlock(text, count, extent), count);
         return;
     }
-    PutInside(string, text, count);
+    PutInside(string, text, count, extent, count);
     string.data = string.internalData;
     string.capacity = internalCapacity;
 }
 
 // What the assignments share: the present storage is kept when the text fits. Bytes of a heap block
 // behind its text are always NULs, so those of a longer old text go.
-void Assign(TqString& string, const char* text, unsigned int count, bool isWhole) {
+void Assign(TqString& string, const char* text, unsigned int count, Extent extent) {
     if (count >= string.capacity) {
-        char* block = NewBlock(text, count, isWhole);
+        char* block = NewBlock(text, count, extent);
         FreeBlock(string);
         TakeBlock(string, block, count);
         return;
     }
     if (IsInternal(string) && !TqLiesIn(text, string.internalData, sizeof string.internalData)) {
-        PutInside(string, text, count);
+        PutInside(string, text, count, extent, count > string.length ? count : string.length);
         return;
     }
     CopyText(string.data, text, count);
@@ -153,13 +161,13 @@ void Grow(TqString& string, unsigned int length) {
 // Fewer characters than this are copied one by one, which takes less than a call.
 const unsigned int shortCopy = 8;
 
-// Appends characters that do not overlap their new place.
+// Appends characters that do not lie in a block that growing moves.
 void AppendText(TqString& string, const char* text, unsigned int count) {
     Grow(string, string.length + count);
     if (count < shortCopy) {
         for (unsigned int i = 0; i < count; ++i) string.data[string.length + i] = text[i];
     } else {
-        std::memcpy(string.data + string.length, text, count);
+        std::memmove(string.data + string.length, text, count);
     }
     string.length += count;
     string.data[string.length] = '\0';
@@ -176,7 +184,7 @@ short TqString::typeId = ownTypeId;
 
 TqString::TqString(const char* text) {
     if (text == nullptr) text = "";
-    Construct(*this, text, static_cast<unsigned int>(std::strlen(text)), true);
+    Construct(*this, text, static_cast<unsigned int>(std::strlen(text)), measured);
 }
 
 TqString::TqString(const char* text, unsigned int count) : data(nullptr), length(0), capacity(0) {
@@ -185,7 +193,7 @@ TqString::TqString(const char* text, unsigned int count) : data(nullptr), length
 }
 
 TqString::TqString(const TqString& other) : TqDataType(other) {
-    Construct(*this, other.data, other.length, false);
+    Construct(*this, other.data, other.length, held);
 }
 
 TqString::~TqString() {
@@ -201,7 +209,7 @@ TqString& TqString::operator=(const char* text) {
     if (text == nullptr) {
         Clear();
     } else {
-        Assign(*this, text, static_cast<unsigned int>(std::strlen(text)), true);
+        Assign(*this, text, static_cast<unsigned int>(std::strlen(text)), measured);
     }
     return *this;
 }
@@ -218,10 +226,10 @@ void TqString::SetValue(const char* text, unsigned int count) {
     Clear();
     if (text == nullptr || count == 0) return;
     if (count > internalCapacity) {
-        TakeBlock(*this, NewBlock(text, count, false), count);
+        TakeBlock(*this, NewBlock(text, count, promised), count);
         return;
     }
-    PutInside(*this, text, count);
+    PutInside(*this, text, count, promised, count);
 }
 
 // AppendChar comes here when there is no room.
@@ -347,7 +355,7 @@ bool TqString::Equals(const TqDataType* other) const {
 
 void TqString::Assignment(const TqDataType& other) {
     const TqString& string = TqTakenAs<TqString>(other);
-    Assign(*this, string.data, string.length, false);
+    Assign(*this, string.data, string.length, held);
 }
 
 unsigned int TqString::Length() const {
@@ -358,13 +366,14 @@ void TqString::Free() {
     Clear();
 }
 
-// What assigning the empty text does: it always fits.
+// What assigning the empty text does, which always fits.
 void TqString::Empty() {
     if (IsInternal(*this)) {
-        ZeroInternalData(*this);
+        ZeroShortArea(data, length);
     } else {
-        std::memset(data, 0, length + 1);
+        std::memset(data, 0, length);
     }
+    *data = '\0';
     length = 0;
 }
 
