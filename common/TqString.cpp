@@ -57,8 +57,9 @@ enum Extent {
 // Copies the text up to its first NUL or `count` characters, and tells how many those were. It does
 // not overlap its new place.
 unsigned int CopyShortText(char* to, const char* text, unsigned int count, Extent extent) {
+    const unsigned int readable = extent == promised ? 0 : count;
     unsigned int i = 0;
-    for (Word word; extent != promised && i + sizeof word <= count; i += sizeof word) {
+    for (Word word; i + sizeof word <= readable; i += sizeof word) {
         std::memcpy(&word, text + i, sizeof word);
         if (HasZeroByte(word)) break;
         std::memcpy(to + i, &word, sizeof word);
@@ -69,9 +70,11 @@ unsigned int CopyShortText(char* to, const char* text, unsigned int count, Exten
 
 void ZeroShortArea(char* area, unsigned int count) {
     const Word zero = 0;
-    unsigned int i = 0;
-    for (; i + sizeof zero <= count; i += sizeof zero) std::memcpy(area + i, &zero, sizeof zero);
-    for (; i < count; ++i) area[i] = '\0';
+    for (; count >= sizeof zero; area += sizeof zero) {
+        std::memcpy(area, &zero, sizeof zero);
+        count -= static_cast<unsigned int>(sizeof zero);
+    }
+    for (; count > 0; --count) *area++ = '\0';
 }
 
 // Copies the text, up to its first NUL or `count` characters, and fills up with NULs so that
@@ -110,13 +113,13 @@ void PutInside(TqString& string, const char* text, unsigned int count, Extent ex
 
 // What the constructors share: the storage is chosen from nothing.
 void Construct(TqString& string, const char* text, unsigned int count, Extent extent) {
-    // All of it: programs compare and send the area as it lies there.
-    ZeroShortArea(string.internalData, sizeof string.internalData);
+    // All of the area: programs compare and send it as it lies there.
     if (count > constructedInside) {
+        ZeroShortArea(string.internalData, sizeof string.internalData);
         TakeBlock(string, NewBlock(text, count, extent), count);
         return;
     }
-    PutInside(string, text, count, extent, count);
+    PutInside(string, text, count, extent, internalCapacity);
     string.data = string.internalData;
     string.capacity = internalCapacity;
 }
