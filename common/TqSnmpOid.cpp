@@ -42,12 +42,6 @@ unsigned int SmallestMultiple(unsigned int step, unsigned int needed) {
     return step * (needed / step + (needed % step != 0));
 }
 
-void AppendOne(TqSnmpOid& oid, unsigned int number) {
-    if (oid.count >= oid.capacity) oid.CheckAllocSize(oid.count + 1);
-    oid.values[oid.count] = number;
-    ++oid.count;
-}
-
 // The first position below `count` where the two differ, else `count`. Two numbers at a time.
 unsigned int FirstDifference(const unsigned int* a, const unsigned int* b, unsigned int count) {
     unsigned int i = 0;
@@ -63,18 +57,17 @@ unsigned int FirstDifference(const unsigned int* a, const unsigned int* b, unsig
 void Parse(TqSnmpOid& oid, const char* text) {
     if (*text == '\0') return;
     TQ_REPORT_IF(!TqIsDigit(*text));
-    for (;; ++text) {
+    do {
         unsigned int number = 0;
         for (unsigned int digit; (digit = TqDigitOf(*text)) < 10; ++text) {
             number = number * 10 + digit;
         }
-        if (*text == '\0') {
-            AppendOne(oid, number);
-            return;
-        }
-        TQ_REPORT_IF(*text != '.');
-        AppendOne(oid, number);
-    }
+        TQ_REPORT_IF(*text != '.' && *text != '\0');
+        // As Append does, but without a call for each number.
+        if (oid.count >= oid.capacity) oid.CheckAllocSize(oid.count + 1);
+        oid.values[oid.count] = number;
+        ++oid.count;
+    } while (*text++ != '\0');
 }
 
 template <unsigned int count>
@@ -121,7 +114,9 @@ TqSnmpOid& TqSnmpOid::operator=(const TqSnmpOid& other) {
 }
 
 void TqSnmpOid::Append(unsigned long number) {
-    AppendOne(*this, static_cast<unsigned int>(number));
+    CheckAllocSize(count + 1);
+    values[count] = static_cast<unsigned int>(number);
+    ++count;
 }
 
 void TqSnmpOid::Append(const TqSnmpOid& other) {

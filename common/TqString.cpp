@@ -53,20 +53,7 @@ enum Extent {
 };
 
 // Short areas are copied and cleared word by word: calls would take longer.
-
-// Copies the text up to its first NUL or `count` characters, and tells how many those were. It does
-// not overlap its new place.
-unsigned int CopyShortText(char* to, const char* text, unsigned int count, Extent extent) {
-    const unsigned int readable = extent == promised ? 0 : count;
-    unsigned int i = 0;
-    for (Word word; i + sizeof word <= readable; i += sizeof word) {
-        std::memcpy(&word, text + i, sizeof word);
-        if (HasZeroByte(word)) break;
-        std::memcpy(to + i, &word, sizeof word);
-    }
-    for (; i < count && text[i] != '\0'; ++i) to[i] = text[i];
-    return i;
-}
+const unsigned int shortText = 128;
 
 void ZeroShortArea(char* area, unsigned int count) {
     const Word zero = 0;
@@ -75,6 +62,21 @@ void ZeroShortArea(char* area, unsigned int count) {
         count -= static_cast<unsigned int>(sizeof zero);
     }
     for (; count > 0; --count) *area++ = '\0';
+}
+
+// Copies the text up to its first NUL or `count` characters, and puts NULs behind it up to to[end].
+// It does not overlap its new place.
+void CopyShortText(char* to, const char* text, unsigned int count, Extent extent,
+                   unsigned int end) {
+    const unsigned int readable = extent == promised ? 0 : count;
+    unsigned int i = 0;
+    for (Word word; i + sizeof word <= readable; i += sizeof word) {
+        std::memcpy(&word, text + i, sizeof word);
+        if (HasZeroByte(word)) break;
+        std::memcpy(to + i, &word, sizeof word);
+    }
+    for (; i < count && text[i] != '\0'; ++i) to[i] = text[i];
+    ZeroShortArea(to + i, end + 1 - i);
 }
 
 // Copies the text, up to its first NUL or `count` characters, and fills up with NULs so that
@@ -91,6 +93,8 @@ char* NewBlock(const char* text, unsigned int count, Extent extent) {
     if (extent == measured) {
         std::memcpy(block, text, count);
         block[count] = '\0';
+    } else if (extent == held && count < shortText) {
+        CopyShortText(block, text, count, extent, count);
     } else {
         CopyText(block, text, count);
     }
@@ -106,8 +110,7 @@ void TakeBlock(TqString& string, char* block, unsigned int count) {
 // Puts a text that fits and lies elsewhere inside the object, with NULs behind it up to the `end`.
 void PutInside(TqString& string, const char* text, unsigned int count, Extent extent,
                unsigned int end) {
-    const unsigned int copied = CopyShortText(string.internalData, text, count, extent);
-    ZeroShortArea(string.internalData + copied, end + 1 - copied);
+    CopyShortText(string.internalData, text, count, extent, end);
     string.length = count;
 }
 
@@ -161,19 +164,18 @@ void Grow(TqString& string, unsigned int length) {
     string.capacity = capacity;
 }
 
-// Fewer characters than this are copied one by one, which takes less than a call.
-const unsigned int shortCopy = 8;
-
-// Appends characters that do not lie in a block that growing moves.
+// Appends characters that do not lie in a block that growing moves. As few as a number has are
+// copied one by one, which takes less than a call.
 void AppendText(TqString& string, const char* text, unsigned int count) {
     Grow(string, string.length + count);
-    if (count < shortCopy) {
-        for (unsigned int i = 0; i < count; ++i) string.data[string.length + i] = text[i];
+    char* place = string.data + string.length;
+    if (count <= tqMostDigits) {
+        for (unsigned int i = 0; i < count; ++i) place[i] = text[i];
     } else {
-        std::memmove(string.data + string.length, text, count);
+        std::memmove(place, text, count);
     }
+    place[count] = '\0';
     string.length += count;
-    string.data[string.length] = '\0';
 }
 
 }  // namespace
@@ -260,6 +262,11 @@ TqString TqString::operator+(const char* text) const {
 }
 
 void TqString::AppendCounter(unsigned int value) {
+    // One digit is what most numbers of identifiers have.
+    if (value < 10) {
+        AppendChar(static_cast<char>('0' + value));
+        return;
+    }
     char digits[tqMostDigits];
     const char* first = TqPutDigits(digits + sizeof digits, value);
     AppendText(*this, first, static_cast<unsigned int>(digits + sizeof digits - first));
