@@ -64,10 +64,9 @@ void ZeroShortArea(char* area, unsigned int count) {
     for (; count > 0; --count) *area++ = '\0';
 }
 
-// Copies the text up to its first NUL or `count` characters, and puts NULs behind it up to to[end].
-// It does not overlap its new place.
-void CopyShortText(char* to, const char* text, unsigned int count, Extent extent,
-                   unsigned int end) {
+// Copies the text up to its first NUL or `count` characters, and tells how many those were. It does
+// not overlap its new place.
+unsigned int CopyShortText(char* to, const char* text, unsigned int count, Extent extent) {
     const unsigned int readable = extent == promised ? 0 : count;
     unsigned int i = 0;
     for (Word word; i + sizeof word <= readable; i += sizeof word) {
@@ -76,7 +75,13 @@ void CopyShortText(char* to, const char* text, unsigned int count, Extent extent
         std::memcpy(to + i, &word, sizeof word);
     }
     for (; i < count && text[i] != '\0'; ++i) to[i] = text[i];
-    ZeroShortArea(to + i, end + 1 - i);
+    return i;
+}
+
+// The same, and puts NULs behind it up to to[end].
+void CopyAndFill(char* to, const char* text, unsigned int count, Extent extent, unsigned int end) {
+    const unsigned int copied = CopyShortText(to, text, count, extent);
+    ZeroShortArea(to + copied, end + 1 - copied);
 }
 
 // Copies the text, up to its first NUL or `count` characters, and fills up with NULs so that
@@ -94,7 +99,7 @@ char* NewBlock(const char* text, unsigned int count, Extent extent) {
         std::memcpy(block, text, count);
         block[count] = '\0';
     } else if (extent == held && count < shortText) {
-        CopyShortText(block, text, count, extent, count);
+        CopyAndFill(block, text, count, extent, count);
     } else {
         CopyText(block, text, count);
     }
@@ -107,23 +112,17 @@ void TakeBlock(TqString& string, char* block, unsigned int count) {
     string.capacity = count + 1;
 }
 
-// Puts a text that fits and lies elsewhere inside the object, with NULs behind it up to the `end`.
-void PutInside(TqString& string, const char* text, unsigned int count, Extent extent,
-               unsigned int end) {
-    CopyShortText(string.internalData, text, count, extent, end);
-    string.length = count;
-}
-
 // What the constructors share: the storage is chosen from nothing.
 void Construct(TqString& string, const char* text, unsigned int count, Extent extent) {
-    // All of the area: programs compare and send it as it lies there.
+    // All of it: programs compare and send the area as it lies there.
+    std::memset(string.internalData, 0, sizeof string.internalData);
     if (count > constructedInside) {
-        ZeroShortArea(string.internalData, sizeof string.internalData);
         TakeBlock(string, NewBlock(text, count, extent), count);
         return;
     }
-    PutInside(string, text, count, extent, internalCapacity);
+    CopyShortText(string.internalData, text, count, extent);
     string.data = string.internalData;
+    string.length = count;
     string.capacity = internalCapacity;
 }
 
@@ -137,11 +136,12 @@ void Assign(TqString& string, const char* text, unsigned int count, Extent exten
         return;
     }
     if (IsInternal(string) && !TqLiesIn(text, string.internalData, sizeof string.internalData)) {
-        PutInside(string, text, count, extent, count > string.length ? count : string.length);
-        return;
+        const unsigned int end = count > string.length ? count : string.length;
+        CopyAndFill(string.internalData, text, count, extent, end);
+    } else {
+        CopyText(string.data, text, count);
+        if (string.length > count) std::memset(string.data + count, 0, string.length - count);
     }
-    CopyText(string.data, text, count);
-    if (string.length > count) std::memset(string.data + count, 0, string.length - count);
     string.length = count;
 }
 
@@ -234,7 +234,8 @@ void TqString::SetValue(const char* text, unsigned int count) {
         TakeBlock(*this, NewBlock(text, count, promised), count);
         return;
     }
-    PutInside(*this, text, count, promised, count);
+    CopyAndFill(internalData, text, count, promised, count);
+    length = count;
 }
 
 // AppendChar comes here when there is no room.
