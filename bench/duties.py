@@ -11,7 +11,7 @@ Duty = collections.namedtuple("Duty", "name size counted what goals")
 FLOORS = ("the mutexes alone", "the mutexes and malloc")
 
 DUTIES = [
-    Duty("count", 1, 1, "`IncrementRefCount` + `DecrementRefCount`", {"std::shared_ptr": 1.9}),
+    Duty("count", 1, 1, "counted up and down", {"std::shared_ptr": 1.9}),
     Duty("handle", 1, 1, "`TqRef` copied and dropped",
          {"std::shared_ptr": 4.2, "the mutexes alone": 1.05}),
     Duty("object", 1, 1, "object made, held, let go", {"std::make_shared": 2.5, "GObject": 0.12}),
@@ -23,7 +23,7 @@ DUTIES = [
     Duty("append_char", 1000, 1000, "1,000 times `AppendChar`", {"std::string": 1.5}),
     Duty("number_out", 1, 1, "number to text", {"snprintf": 0.2}),
     Duty("number_in", 1, 1, "text to number", {"strtol": 0.35}),
-    Duty("item", 1, 1, "number and text of 20 into a buffer and back",
+    Duty("item", 1, 1, "number and text written and read",
          {"snprintf + atoi": 0.25, "GVariant": 0.03}),
     Duty("oid_in", 11, 11, "identifier from text", {"snmp_parse_oid": 0.2}),
     Duty("oid_compare", 11, 11, "identifiers compared", {"snmp_oid_compare": 0.5}),
