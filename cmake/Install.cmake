@@ -17,9 +17,6 @@ install(FILES
     "${PROJECT_BINARY_DIR}/tqcommonConfigVersion.cmake"
     DESTINATION "${packageDir}")
 
-# Relative to itself, so that the installed tree can be moved.
-set(pkgconfigDir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
-file(RELATIVE_PATH prefixFromPkgconfig "/prefix/${pkgconfigDir}" "/prefix")
 configure_file(cmake/tqcommon.pc.in tqcommon.pc @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/tqcommon.pc" DESTINATION "${pkgconfigDir}")
 

@@ -1,6 +1,8 @@
 #ifndef TQ_BASE_REF_H
 #define TQ_BASE_REF_H
 
+#include <type_traits>
+
 #include "TqBaseObject.h"
 #include "TqDataType.h"
 #include "TqExport.h"
@@ -78,7 +80,9 @@ public:
     static short typeId;  ///< 8, for naming the id without an object
 };
 
-/// The typed handle: a `TqBaseRef` that takes a T. Read it as `static_cast<T*>(ref.object)`.
+/// The typed handle: a `TqBaseRef` that takes a T. `ref->` is `static_cast<T*>(ref.object)->`; like
+/// that it is not checked, neither for null nor for the class of an object that came from an
+/// untyped handle: `TqCast<T>` does that.
 template <class T>
 class TQ_API TqRef : public TqBaseRef {
 public:
@@ -90,6 +94,17 @@ public:
     TqRef& operator=(const TqRef& other);
     TqRef& operator=(const TqBaseRef& other);
     TqRef& operator=(T* obj);
+
+    /// The object, or null. No reference is added.
+    T* Get() const;
+
+    /// The object, which must not be null.
+    T* operator->() const;
+    typename std::add_lvalue_reference<T>::type operator*() const;
+
+    /// Whether the handle holds no object; as a condition, whether it holds one.
+    bool IsEmpty() const;
+    explicit operator bool() const;
 
     /// Hands over a new handle on the same object.
     TqDataType* Clone() const override;
@@ -117,6 +132,31 @@ template <class T>
 inline TqRef<T>& TqRef<T>::operator=(T* obj) {
     TqBaseRef::operator=(obj);
     return *this;
+}
+
+template <class T>
+inline T* TqRef<T>::Get() const {
+    return static_cast<T*>(object);
+}
+
+template <class T>
+inline T* TqRef<T>::operator->() const {
+    return &**this;
+}
+
+template <class T>
+inline typename std::add_lvalue_reference<T>::type TqRef<T>::operator*() const {
+    return static_cast<typename std::add_lvalue_reference<T>::type>(*object);
+}
+
+template <class T>
+inline bool TqRef<T>::IsEmpty() const {
+    return object == nullptr;
+}
+
+template <class T>
+inline TqRef<T>::operator bool() const {
+    return object != nullptr;
 }
 
 template <class T>

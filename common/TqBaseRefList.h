@@ -2,10 +2,11 @@
 #define TQ_BASE_REF_LIST_H
 
 #include "TqBaseList.h"
+#include "TqListItems.h"
 
 /// The list that keeps its objects alive: each slot keeps one reference on the `TqBaseObject` in
-/// it. Pass items as `TqBaseObject*`; applications name the item type with `TqRefList<T>` and read
-/// items as `static_cast<T*>(static_cast<TqBaseObject*>(list.slots[i]))`.
+/// it. Pass items as `TqBaseObject*`; applications name the item type with `TqRefList<T>`, which
+/// does that by itself.
 ///
 /// Ownership: a reference for each slot; letting the last one go deletes the object.
 /// Lock: `listMutex` is held by each operation declared here while slots and counts change; the
@@ -64,7 +65,9 @@ public:
     mutable TqLinuxMutex listMutex;  ///< guards slots and the list's references
 };
 
-/// A reference list of T.
+/// A reference list of T. An item is read as `list.At(i)`, which is
+/// `static_cast<T*>(static_cast<TqBaseObject*>(list.slots[i]))` after a check of the index. No
+/// reference is added for who reads; nothing here locks but `Append` and `Remove`.
 template <class T>
 class TQ_API TqRefList : public TqBaseRefList {
 public:
@@ -73,12 +76,83 @@ public:
     ~TqRefList() override {}
 
     TqRefList& operator=(const TqRefList& other);
+
+    /// Appends `item`, a pointer to a T or to what derives from it. Null is reported by
+    /// `InsertSlot` and not appended.
+    template <class Pointer>
+    void Append(Pointer item);
+
+    /// The lowest slot that holds `item`; 0 when none does. As `FindSlot`, with the item's type.
+    template <class Pointer>
+    unsigned int Find(Pointer item) const;
+
+    /// Removes the first slot that holds `item`; returns whether one did.
+    template <class Pointer>
+    bool Remove(Pointer item);
+
+    /// The item in slot `index`. One of 0 or above `count` is reported and gives null.
+    T* At(unsigned int index) const;
+
+    /// The first and the last item; null when the list is empty.
+    T* First() const;
+    T* Last() const;
+
+    /// For range-for, a walk over the list as TqListItems.h has it:
+    ///
+    ///     for (Port* port : ports) port->Poll();
+    TqListWalk<T, TqBaseObject> begin() const;
+    TqListWalk<T, TqBaseObject> end() const;
 };
 
 template <class T>
 inline TqRefList<T>& TqRefList<T>::operator=(const TqRefList& other) {
     TqBaseRefList::operator=(other);
     return *this;
+}
+
+template <class T>
+template <class Pointer>
+inline void TqRefList<T>::Append(Pointer item) {
+    InsertSlot(count + 1, TqListItems<T, TqBaseObject>::ToSlot(item));
+}
+
+template <class T>
+template <class Pointer>
+inline unsigned int TqRefList<T>::Find(Pointer item) const {
+    return FindSlot(TqListItems<T, TqBaseObject>::ToSlot(item));
+}
+
+template <class T>
+template <class Pointer>
+inline bool TqRefList<T>::Remove(Pointer item) {
+    const unsigned int index = Find(item);
+    if (index != 0) RemoveSlot(index);
+    return index != 0;
+}
+
+template <class T>
+inline T* TqRefList<T>::At(unsigned int index) const {
+    return TqListItems<T, TqBaseObject>::At(*this, index);
+}
+
+template <class T>
+inline T* TqRefList<T>::First() const {
+    return TqListItems<T, TqBaseObject>::First(*this);
+}
+
+template <class T>
+inline T* TqRefList<T>::Last() const {
+    return TqListItems<T, TqBaseObject>::Last(*this);
+}
+
+template <class T>
+inline TqListWalk<T, TqBaseObject> TqRefList<T>::begin() const {
+    return TqListWalk<T, TqBaseObject>(*this);
+}
+
+template <class T>
+inline TqListWalk<T, TqBaseObject> TqRefList<T>::end() const {
+    return TqListWalk<T, TqBaseObject>();
 }
 
 #endif

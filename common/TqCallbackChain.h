@@ -5,13 +5,13 @@
 #include "TqCallback.h"
 
 /// An ordered list of callbacks that are invoked together. Callbacks enter and leave it as list
-/// items; insert them as `TqCallback*`:
+/// items, which `Append` and `Remove` turn into `TqCallback*`:
 ///
 ///     TqFunctionCb tell(TellOperator, &console);
 ///     TqCallbackChain chain;
-///     chain.InsertSlot(chain.count + 1, static_cast<TqCallback*>(&tell));
+///     chain.Append(&tell);
 ///     chain.Invoke(port, &change);
-///     chain.RemoveItem(static_cast<TqCallback*>(&tell));
+///     chain.Remove(&tell);
 ///
 /// Ownership: the chain borrows its callbacks. Whoever made one removes it, then frees it.
 /// Lock: none. Invoke and change a chain on one thread, or guard it in its owner.

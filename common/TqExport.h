@@ -9,6 +9,10 @@
 /// just that: the undefined-behaviour sanitizer must not ask first.
 #define TQ_READS_ANY_OBJECT __attribute__((no_sanitize("vptr")))
 
+/// Marks what is inlined even where a compiler saves space: what is left of it is smaller than the
+/// call.
+#define TQ_ALWAYS_INLINE inline __attribute__((always_inline))
+
 /// Stands before the body of an operation that programs may compile in, because it is short and
 /// runs often. The library has the operation all the same: for programs that were built before, for
 /// those that take its address, and for compilers that do not know this. Such a body stands in the

@@ -2,12 +2,13 @@
 #define TQ_SORTED_STRING_LIST_H
 
 #include "TqBaseList.h"
+#include "TqListItems.h"
 
 class TqString;
 
 /// The list of strings that `Add` keeps in ascending byte order of their texts, upper case before
 /// lower, as `strcmp` orders them. Equal texts may be in it more than once and keep the order in
-/// which they were added. Read items as `static_cast<TqString*>(list.slots[i])`.
+/// which they were added.
 ///
 /// The order is kept by `Add` alone: who inserts, replaces or swaps slots, or changes a text in the
 /// list, sees to it himself.
@@ -41,6 +42,39 @@ public:
     /// Removes the slot that holds this very object and returns it; null when none does, even if
     /// one has the same text. Null is reported and looked for all the same.
     TqString* RemoveItem(TqString* s);
+
+    /// The string in slot `index`. One of 0 or above `count` is reported and gives null.
+    TqString* At(unsigned int index) const;
+
+    /// The first and the last string; null when the list is empty.
+    TqString* First() const;
+    TqString* Last() const;
+
+    /// For range-for, a walk over the list as TqListItems.h has it:
+    ///
+    ///     for (const TqString* name : names) std::puts(name->data);
+    TqListWalk<TqString, TqString> begin() const;
+    TqListWalk<TqString, TqString> end() const;
 };
+
+inline TqString* TqSortedStringList::At(unsigned int index) const {
+    return TqListItems<TqString, TqString>::At(*this, index);
+}
+
+inline TqString* TqSortedStringList::First() const {
+    return TqListItems<TqString, TqString>::First(*this);
+}
+
+inline TqString* TqSortedStringList::Last() const {
+    return TqListItems<TqString, TqString>::Last(*this);
+}
+
+inline TqListWalk<TqString, TqString> TqSortedStringList::begin() const {
+    return TqListWalk<TqString, TqString>(*this);
+}
+
+inline TqListWalk<TqString, TqString> TqSortedStringList::end() const {
+    return TqListWalk<TqString, TqString>();
+}
 
 #endif

@@ -4,7 +4,7 @@
 # The Debian packages that a leg needs, from the table of them.
 packages_of() {
     awk -v leg="$1" '
-        BEGIN { isPreset = leg !~ /^(demo|lint|bench|device|device_kernel)$/ }
+        BEGIN { isPreset = leg !~ /^(demo|lint|bench|peers|device|device_kernel)$/ }
         /^[^#]/ {
             for (i = 3; i <= NF; ++i) if ($i == leg || ($i == "tests" && isPreset)) { print $1; next }
         }' scripts/packages.txt
@@ -81,10 +81,12 @@ install() (
         trap '"${sudo[@]}" rm -f $policy' EXIT
         forbid_services
     fi
-    status=0
+    local server status=0
     quietly "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -y \
         -o DPkg::Lock::Timeout=300 install --no-install-recommends --no-remove "$@" || status=1
-    case " $* " in *' tftpd-hpa '*) "${sudo[@]}" update-rc.d tftpd-hpa disable 2>/dev/null ;; esac
+    for server in tftpd-hpa snmpd snmptrapd; do
+        [[ " $* " != *" $server "* ]] || "${sudo[@]}" update-rc.d $server disable 2>/dev/null
+    done
     exit $status
 )
 
@@ -173,11 +175,18 @@ tally() {
 results=()
 failures=0
 leg() {
-    local name=$1 start=$SECONDS verdict=OK
+    local name=$1 start=$SECONDS used verdict=OK
+    used=$(processor_seconds)
     shift
     echo "== $name"
     "$@" || { verdict=FAIL; failures=$((failures + 1)); }
-    results+=("$(printf '%-4s %-22s %4d s' $verdict "$name" $((SECONDS - start)))")
+    results+=("$(printf '%-4s %-22s %4d s, of processors %4d s' $verdict "$name" \
+        $((SECONDS - start)) $(($(processor_seconds) - used)))")
+}
+
+# What the commands so far have taken of all processors: the same on a busy machine.
+processor_seconds() {
+    awk -v hertz="$(getconf CLK_TCK)" '{ print int(($16 + $17) / hertz) }' "/proc/$$/stat"
 }
 
 # One line per leg. Fails when one of them did.

@@ -10,6 +10,7 @@
 
 #include "Objects.h"
 #include "Reports.h"
+#include "SecondBase.h"
 #include "TqFunctionCb.h"
 
 namespace {
@@ -294,6 +295,38 @@ TEST(TqCallbackChain, AThousandCallbacksThatEachAppendOneAreAllInvokedInOneWalk)
     order.clear();
     chain.Invoke(nullptr, nullptr);
     EXPECT_EQ(order.size(), 2 * thousand) << "the first thousand append no more";
+}
+
+TEST_F(TqCallbackChainOf, AppendsGivesAndRemovesItsCallbacksByType) {
+    chain.Append(&first);
+    chain.Append(&second);
+    EXPECT_EQ(chain.At(2), &second);
+    EXPECT_EQ(chain.First(), &first);
+    EXPECT_EQ(chain.Last(), &second);
+    EXPECT_TRUE(chain.Remove(&first));
+    EXPECT_FALSE(chain.Remove(&first));
+    chain.Invoke(nullptr, nullptr);
+    EXPECT_EQ(order, Order({2}));
+}
+
+TEST_F(TqCallbackChainOf, IsWalkedByRangeFor) {
+    chain.Append(&first);
+    chain.Append(&second);
+    for (TqCallback* callback : chain) callback->Invoke(nullptr, nullptr);
+    EXPECT_EQ(order, Order({1, 2}));
+    EXPECT_EQ(chain.walkDepth, 0u);
+}
+
+TEST(TqCallbackChain, InvokesAndRemovesACallbackWhoseBaseStandsSecond) {
+    NamedCallback callback("tell");
+    TqCallbackChain chain;
+    chain.Append(&callback);
+    chain.Invoke(nullptr, nullptr);
+    EXPECT_EQ(callback.calls, 1);
+    EXPECT_EQ(chain.RemoveItem(&callback), nullptr)
+        << "the untyped removal takes the other address";
+    EXPECT_TRUE(chain.Remove(&callback));
+    EXPECT_EQ(chain.count, 0u);
 }
 
 }  // namespace

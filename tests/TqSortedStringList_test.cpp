@@ -301,4 +301,37 @@ TEST(TqSortedStringList, SortsAsManyStringsAsItHoldsStably) {
     EXPECT_TRUE(ItemsOf(list) == expected);
 }
 
+TEST(TqSortedStringList, GivesItsStringsByNumberAndReportsAnIndexOutOfRange) {
+    const Filled filled({"b", "a", "c"});
+    const TqSortedStringList& list = filled.list;
+    EXPECT_STREQ(list.At(1)->data, "a");
+    EXPECT_STREQ(list.At(3)->data, "c");
+    EXPECT_EQ(TakeReports(), Reports());
+    for (const unsigned int index : {0u, 4u, 0xFFFFFFFFu}) {
+        EXPECT_EQ(list.At(index), nullptr);
+        EXPECT_EQ(TakeReports(), Reports({"./TqListItems"})) << index;
+    }
+}
+
+TEST(TqSortedStringList, KnowsItsFirstAndItsLast) {
+    const Filled filled({"b", "a", "c"});
+    EXPECT_STREQ(filled.list.First()->data, "a");
+    EXPECT_STREQ(filled.list.Last()->data, "c");
+    const TqSortedStringList empty;
+    EXPECT_EQ(empty.First(), nullptr);
+    EXPECT_EQ(empty.Last(), nullptr);
+    EXPECT_EQ(TakeReports(), Reports());
+}
+
+TEST(TqSortedStringList, IsWalkedInOrder) {
+    const Filled filled({"b", "a", "c"});
+    std::string texts;
+    for (const TqString* string : filled.list) {
+        EXPECT_EQ(filled.list.walkDepth, 1u);
+        texts += string->data;
+    }
+    EXPECT_EQ(texts, "abc");
+    EXPECT_EQ(filled.list.walkDepth, 0u);
+}
+
 }  // namespace

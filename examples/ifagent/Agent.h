@@ -5,26 +5,44 @@
 #include "TqCallbackChain.h"
 #include "TqFunctionCb.h"
 
-/// Polls, sends what it has found, and has its monitors look at what has changed since.
-class Agent : public TqCallback {
+/// Where polls are read from: the kernel, or files in turn, the last one again and again.
+struct Sources {
+    const char* Path(int poll) const {  ///< polls count from 0
+        return count == 0 ? procNetDev : paths[poll < count ? poll : count - 1];
+    }
+
+    char** paths;
+    int count;
+};
+
+/// Shows what the agent finds. It is called back with each change (`ValueChange`) between the two
+/// calls about the later poll; the caller is the monitor that saw it.
+class View : public TqCallback {
 public:
-    Agent();
-    void PollOnce(const char* path);  ///< polls and shows all there is to show
-    void PrintSummary() const;        ///< prints what all polls together came to
-    void Invoke(TqBaseObject* source, TqCallbackData* data) override;  ///< prints a change
+    View() : TqCallback(nullptr) {}
+    virtual void BeginPoll(const Poll& poll, const char* path, const Configuration&) = 0;
+    virtual void EndPoll() {}
+    virtual bool Wait(unsigned int seconds);              ///< between two polls; false to end
+    virtual void Finish(unsigned int /*changeCount*/) {}  ///< after the last poll
+};
+
+/// Polls, and has its monitors look at what has changed since.
+class Agent {
+public:
+    explicit Agent(View& shownBy);      ///< borrows it
+    void Listen(TqCallback& listener);  ///< tells it of changes too, and borrows it
+    bool PollOnce(const char* path);    ///< false, after a complaint, when there is nothing
+    void Finish();                      ///< when all polls are made
 
     Configuration configuration;
-    bool showItems = false;  ///< the bytes that are sent
-    bool showOids = false;   ///< each value with its object identifier
+    TqRef<Poll> latest;  ///< kept for the comparison with the next one; null before the first
 
 private:
     void AddAddresses(Poll& poll) const;
     void Observe(Monitor& monitor, const Poll& before, const Poll& after);
 
-    unsigned int pollCount = 0;
+    View& view;
     TqCounter changeCount;
-    TqRef<Poll> latest;  ///< kept for the comparison with the next one
-
     TqFunctionCb countChange;
     TqCallbackChain listeners;  ///< borrows its callbacks, and so goes before them
 };

@@ -70,6 +70,17 @@ bool AddMonitor(Configuration& configuration, char** words) {
     return true;
 }
 
+bool SetManager(Configuration& configuration, char** words) {
+    const bool inform = words[3] != nullptr;
+    if (inform && strcmp(words[3], "inform") != 0) {
+        return Complain("\"%s\" where only \"inform\" can stand", words[3]);
+    }
+    configuration.manager = words[1];
+    configuration.community = words[2];
+    configuration.inform = inform;
+    return true;
+}
+
 // Behind "allow" stands a network, and behind "address" the name of an interface first.
 bool AddSubnet(Configuration& configuration, char** words) {
     const bool hasName = words[3] != nullptr;
@@ -93,7 +104,7 @@ const struct {
     bool (*take)(Configuration& configuration, char** words);
 } keywords[] = {
     {"poll", 1, 1, SetPoll},    {"interval", 1, 1, SetInterval}, {"monitor", 1, 2, AddMonitor},
-    {"allow", 2, 2, AddSubnet}, {"address", 3, 3, AddSubnet},
+    {"allow", 2, 2, AddSubnet}, {"address", 3, 3, AddSubnet},    {"notify", 2, 3, SetManager},
 };
 
 bool TakeLine(Configuration& configuration, char* line) {

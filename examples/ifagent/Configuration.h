@@ -44,6 +44,9 @@ public:
     TqBoolean poll;               ///< "poll On": whether the interfaces are read at all
     TqNumber interval;            ///< "interval 5": seconds between two polls
     TqRefList<Monitor> monitors;  ///< "monitor LinkMonitor eth0", or of all interfaces
+    TqString manager;             ///< "notify 10.1.1.1:162 public": who is told; empty for nobody
+    TqString community;           ///< and what stands behind: the word that he expects
+    bool inform = false;          ///< "notify ... inform": whether he is to acknowledge
     TqRefList<Subnet> allowed;    ///< "allow 10.0.0.0 255.0.0.0"
     TqRefList<Subnet> addresses;  ///< "address eth0 10.1.2.3 255.0.0.0": what no kernel tells
 };

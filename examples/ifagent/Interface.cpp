@@ -76,7 +76,7 @@ void TakeEntry(const ifaddrs& entry, Poll& poll) {
 
 }  // namespace
 
-Interface::Interface() : wrapped(), upIsKnown(false), watched(true) {
+Interface::Interface() : name(this), wrapped(), upIsKnown(false), watched(true) {
     values[nameValue] = &name;
     values[indexValue] = &index;
     values[upValue] = &up;
@@ -117,6 +117,16 @@ TqSnmpOid Interface::Oid(unsigned int value) const {
     return oid;
 }
 
+const char* Interface::OperStatus() const {
+    if (!upIsKnown) return "4";
+    return int(up) != 0 ? "1" : "2";
+}
+
+const char* Interface::StateText() const {
+    if (!upIsKnown) return "unknown";
+    return int(up) != 0 ? "up" : "down";
+}
+
 TqIpAddress Subnet::NetworkOf(const TqIpAddress& other) const {
     TqIpAddress network(other);
     network.LogicalAND(mask);
@@ -142,12 +152,14 @@ bool Poll::AppendLine(char* line) {
     Interface* interface = static_cast<Interface*>(kept.object);
     if (!interface->Parse(line)) return false;
     const char* name = interface->name.data;
+    const unsigned int place = PlaceOf(name);
     if (Find(name) != nullptr) return Complain("a second line for %s", name);
     if (interfaces.count == mostInterfaces) return Complain("too many interfaces");
 
     interfaces.InsertSlot(interfaces.count + 1, kept.object);
     interface->index = TqNumber(static_cast<int>(interfaces.count));
-    names.Add(&interface->name);
+    // Not Add, which looks for the place from the start.
+    names.InsertSlot(place, &interface->name);
     return true;
 }
 
@@ -167,13 +179,23 @@ void Poll::AskKernel() {
     freeifaddrs(entries);
 }
 
+// Of the first name that is not less.
+unsigned int Poll::PlaceOf(const char* name) const {
+    const auto isLess = [](const void* slot, const char* wanted) {
+        return strcmp(static_cast<const InterfaceName*>(slot)->data, wanted) < 0;
+    };
+    void** const end = names.slots + 1 + names.count;
+    return static_cast<unsigned int>(std::lower_bound(names.slots + 1, end, name, isLess) -
+                                     names.slots);
+}
+
 Interface* Poll::Find(const char* name) const {
-    for (unsigned int i = 1; i <= interfaces.count; ++i) {
-        if (strcmp(ItemOf(interfaces, i)->name.data, name) == 0) return ItemOf(interfaces, i);
-    }
-    return nullptr;
+    const unsigned int place = PlaceOf(name);
+    if (place > names.count) return nullptr;
+    Interface* interface = InOrder(place);
+    return strcmp(interface->name.data, name) == 0 ? interface : nullptr;
 }
 
 Interface* Poll::InOrder(unsigned int index) const {
-    return Find(static_cast<TqString*>(names.slots[index])->data);
+    return static_cast<InterfaceName*>(names.slots[index])->owner;
 }

@@ -27,6 +27,16 @@ extern const struct ValueName {
 extern const char interfaceTableEntry[];
 extern const char procNetDev[];  ///< where the kernel shows what it has counted
 
+class Interface;
+
+/// The name of an interface, which leads back to it from a list of names.
+class InterfaceName : public TqString {
+public:
+    explicit InterfaceName(Interface* named) : owner(named) {}
+
+    Interface* const owner;
+};
+
 /// One interface as one poll saw it, in the library's values. The counters are 32 bits wide, as
 /// managers expect them; the kernel's have 64. What does not fit is kept modulo 2^32.
 class Interface : public TqBaseObject {
@@ -38,8 +48,10 @@ public:
     bool Parse(char* line);
 
     TqSnmpOid Oid(unsigned int value) const;  ///< that of a value in the managers' table
+    const char* OperStatus() const;           ///< `up` as the number in that table
+    const char* StateText() const;            ///< and as its name there
 
-    TqString name;
+    InterfaceName name;
     TqNumber index;
     TqBoolean up;
     TqCounter counters[valueCount - firstCounter];
@@ -81,6 +93,7 @@ public:
     TqSortedStringList names;     ///< of the interfaces, whose own they are
 
 private:
+    unsigned int PlaceOf(const char* name) const;
     bool AppendLine(char* line);
     void AskKernel();
 };

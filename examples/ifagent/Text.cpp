@@ -5,6 +5,7 @@
 #include <stdio.h>
 #include <string.h>
 
+#include "TqDownload.h"
 #include "TqFile.h"
 #include "TqNumber.h"
 
@@ -71,6 +72,15 @@ bool LineReader::ReadFile() {
     if (ferror(file.stream) != 0) Complain("%s: %s", name, strerror(errno));
     file.Close();
     return true;
+}
+
+bool LineReader::Fetch(const char* server) {
+    TqDownload download(server, name);
+    download.mostBytes = 1024 * 1024;
+    if (download.ToBuffer(text) == TqDownload::complete) return true;
+    TqString reason;
+    download.AppendText(reason);
+    return Complain("%s from %s: %s", name, server, reason.data);
 }
 
 bool LineReader::NextLine(TqString& line) {

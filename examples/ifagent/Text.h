@@ -31,6 +31,10 @@ public:
     /// Takes the file of that name on this machine. False, after a complaint, when there is none.
     bool ReadFile();
 
+    /// Fetches the file of that name by TFTP from a server, an address or a host name; more than a
+    /// mebibyte is too large. False, after a complaint, when that fails.
+    bool Fetch(const char* server);
+
     /// Puts the next line, without its newline, into `line`; false at the end, which is to be
     /// reached. A line with a NUL, which no string can hold, is complained of and left out.
     bool NextLine(TqString& line);

@@ -1,16 +1,21 @@
 // A small management agent: it reads the counters of the machine's network interfaces, sends them
 // as items through a byte buffer as it would to a manager, and shows what arrived.
 
+#include <errno.h>
 #include <getopt.h>
 #include <stdio.h>
-#include <unistd.h>
+#include <stdlib.h>
+#include <string.h>
 
 #include <algorithm>
 
-#include "Agent.h"
-#include "DevelopmentAssert.h"
-#include "Download.h"
+#include "Json.h"
+#include "Notifier.h"
+#include "PassPersist.h"
+#include "Report.h"
 #include "TqClassRegistry.h"
+#include "TqDevelopmentAssert.h"
+#include "Watch.h"
 
 namespace {
 
@@ -23,19 +28,35 @@ const char usage[] =
     "                     fetch that file from a TFTP server instead\n"
     "  -n, --count N      poll N times; FILEs are read in turn, the last one again and again\n"
     "                     (default: each FILE once)\n"
+    "  -1, --once         poll once, the same as --count 1\n"
+    "  -j, --json         print a line of JSON for each poll, with its changes, and nothing else\n"
+    "  -w, --watch        show bytes a second, drawn anew with each poll, until Ctrl-C; piped, "
+    "lines\n"
+    "      --no-color     without colours; NO_COLOR in the environment says the same\n"
+    "  -p, --pass-persist serve the table to an SNMP daemon that has started this program\n"
     "  -i, --items        show the bytes that are sent\n"
     "  -o, --oids         show each value with its object identifier\n"
     "  -m, --monitors     show what classes of monitors there are, and exit\n"
     "  -h, --help         show this, and exit\n\n"
     "A poll's time is UTC; beside it stands what the library makes of it, and how to read that.\n\n"
-    "Exit status: 0 when all went well; 1 when something was complained of, and the rest done all\n"
-    "the same; 2 when the command line is wrong.\n";
+    "Exit status, which stays as it is for scripts: 0 when all went well; 1 when something was\n"
+    "complained of on standard error, and the rest done all the same; 2 when the command line is\n"
+    "wrong, and nothing was done.\n";
 
 const option longOptions[] = {
-    {"config", required_argument, nullptr, 'c'}, {"tftp", required_argument, nullptr, 't'},
-    {"count", required_argument, nullptr, 'n'},  {"items", no_argument, nullptr, 'i'},
-    {"oids", no_argument, nullptr, 'o'},         {"monitors", no_argument, nullptr, 'm'},
-    {"help", no_argument, nullptr, 'h'},         {nullptr, 0, nullptr, 0},
+    {"config", required_argument, nullptr, 'c'},
+    {"tftp", required_argument, nullptr, 't'},
+    {"count", required_argument, nullptr, 'n'},
+    {"items", no_argument, nullptr, 'i'},
+    {"oids", no_argument, nullptr, 'o'},
+    {"monitors", no_argument, nullptr, 'm'},
+    {"once", no_argument, nullptr, '1'},
+    {"json", no_argument, nullptr, 'j'},
+    {"pass-persist", no_argument, nullptr, 'p'},
+    {"watch", no_argument, nullptr, 'w'},
+    {"no-color", no_argument, nullptr, 'C'},
+    {"help", no_argument, nullptr, 'h'},
+    {nullptr, 0, nullptr, 0},
 };
 
 const char defaults[] = "monitor TrafficMonitor\nmonitor FaultMonitor\nmonitor LinkMonitor\n";
@@ -47,16 +68,17 @@ struct CommandLine {
     const char* configPath;
     const char* tftpServer;  // where that is, if not here
     int pollCount;           // 0 until said
-    bool showClasses;
-    bool showHelp;
+    char mode;               // the letter of the option that says what to do; 0 for the report
+    bool colour;
 };
 
 // Takes over one option. False after a complaint.
-bool TakeOption(int letter, int argc, char** argv, CommandLine& commandLine, Agent& agent) {
-    if (letter == 'i') agent.showItems = true;
-    if (letter == 'o') agent.showOids = true;
-    if (letter == 'm') commandLine.showClasses = true;
-    if (letter == 'h') commandLine.showHelp = true;
+bool TakeOption(int letter, int argc, char** argv, CommandLine& commandLine, Report& report) {
+    if (letter == 'i') report.showItems = true;
+    if (letter == 'o') report.showOids = true;
+    if (strchr("mhjpw", letter) != nullptr) commandLine.mode = static_cast<char>(letter);
+    if (letter == 'C') commandLine.colour = false;
+    if (letter == '1') commandLine.pollCount = 1;
     if (letter == 'c') {
         commandLine.configPath = optarg;
         commandLine.tftpServer = nullptr;
@@ -79,57 +101,74 @@ bool ReadConfiguration(const CommandLine& commandLine, Configuration& configurat
     const char* path = commandLine.configPath;
     const char* server = commandLine.tftpServer;
     LineReader reader(path);
-    TqString complaint;
     if (path == nullptr) {
         reader.text.Append(reinterpret_cast<const unsigned char*>(defaults), sizeof defaults - 1);
     } else if (server == nullptr) {
         if (!reader.ReadFile()) return false;
     } else {
-        if (!Download(server, path, reader.text, complaint)) return Complain("%s", complaint.data);
-        printf("configuration: %s, %u bytes from %s\n\n", path, reader.text.length, server);
+        if (!reader.Fetch(server)) return false;
+        if (commandLine.mode == 0) {
+            printf("configuration: %s, %u bytes from %s\n\n", path, reader.text.length, server);
+        }
     }
     configuration.Read(reader);
     return true;
 }
 
-void Run(const CommandLine& commandLine, Agent& agent, char** paths, int pathCount) {
+void Run(const CommandLine& commandLine, const Sources& sources, Report& report) {
+    Json json;
+    PassPersist service;
+    Watch watch(commandLine.colour);
+    View* view = &report;
+    if (commandLine.mode == 'j') view = &json;
+    if (commandLine.mode == 'p') view = &service;
+    if (commandLine.mode == 'w') view = &watch;
+    Agent agent(*view);
     if (!ReadConfiguration(commandLine, agent.configuration)) return;
     if (!agent.configuration.poll) {
-        printf("poll is off: nothing to do\n");
+        if (commandLine.mode == 0) printf("poll is off: nothing to do\n");
         return;
     }
-    const int pollCount =
-        commandLine.pollCount > 0 ? commandLine.pollCount : std::max(pathCount, 1);
+    Notifier notifier(agent.configuration);
+    if (agent.configuration.manager.IsNotEmpty()) agent.Listen(notifier);
+    if (commandLine.mode == 'p') return service.Serve(agent, sources);
+    int pollCount = std::max(sources.count, 1);
+    if (commandLine.mode == 'w' && sources.count == 0) pollCount = mostPolls;
+    if (commandLine.pollCount > 0) pollCount = commandLine.pollCount;
     for (int i = 0; i < pollCount; ++i) {
-        if (i > 0) sleep(static_cast<unsigned int>(agent.configuration.interval.value));
-        agent.PollOnce(pathCount > 0 ? paths[std::min(i, pathCount - 1)] : procNetDev);
+        if (i > 0 && !view->Wait(static_cast<unsigned int>(int(agent.configuration.interval))))
+            break;
+        agent.PollOnce(sources.Path(i));
     }
-    agent.PrintSummary();
+    agent.Finish();
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     setvbuf(stdout, nullptr, _IOLBF, 0);  // in step with the complaints, also in a pipe
-    InstallDevelopmentAssert();
+    TqDevelopmentAssert::Install();
     RegisterMonitorClasses();
 
     static char programName[] = "ifagent";
     argv[0] = programName;  // for the complaints of getopt
-    Agent agent;
+    Report report;
     CommandLine commandLine = CommandLine();
+    const char* noColour = getenv("NO_COLOR");
+    commandLine.colour = noColour == nullptr || *noColour == '\0';
     int letter = 0;
-    while ((letter = getopt_long(argc, argv, "c:t:n:iomh", longOptions, nullptr)) != -1) {
-        if (TakeOption(letter, argc, argv, commandLine, agent)) continue;
+    while ((letter = getopt_long(argc, argv, "c:t:n:1ijpwomh", longOptions, nullptr)) != -1) {
+        if (TakeOption(letter, argc, argv, commandLine, report)) continue;
         fprintf(stderr, "Try \"ifagent --help\".\n");
         return exitUsage;
     }
-    if (commandLine.showHelp) {
+    if (commandLine.mode == 'h') {
         fputs(usage, stdout);
-    } else if (commandLine.showClasses) {
+    } else if (commandLine.mode == 'm') {
         TqClassRegistry::GetRegistry()->Dump();
     } else {
-        Run(commandLine, agent, argv + optind, argc - optind);
+        Run(commandLine, {argv + optind, argc - optind}, report);
     }
-    return complaintCount + DevelopmentAssertCount() == 0 ? exitOk : exitComplaints;
+    if (fflush(stdout) != 0 || ferror(stdout) != 0) Complain("output: %s", strerror(errno));
+    return complaintCount + TqDevelopmentAssert::Count() == 0 ? exitOk : exitComplaints;
 }

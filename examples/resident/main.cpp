@@ -14,9 +14,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include "DevelopmentAssert.h"
-#include "Download.h"
-#include "ifagent/Agent.h"
+#include "TqDevelopmentAssert.h"
+#include "ifagent/Report.h"
 
 namespace {
 
@@ -77,10 +76,10 @@ bool IsOfChange(const Configuration& configuration, int change) {
 bool Live(const char* server, int change, int polls, const char* interface) {
     char name[32];
     snprintf(name, sizeof name, "change-%d", change);
-    Agent agent;
+    Report report;
+    Agent agent(report);
     LineReader reader(name);
-    TqString complaint;
-    if (!Download(server, name, reader.text, complaint)) return Complain("%s", complaint.data);
+    if (!reader.Fetch(server)) return false;
     agent.configuration.Read(reader);
     if (!IsOfChange(agent.configuration, change)) {
         fprintf(stderr, "resident: %s holds another configuration\n", name);
@@ -93,7 +92,7 @@ bool Live(const char* server, int change, int polls, const char* interface) {
         }
         agent.PollOnce(procNetDev);
     }
-    agent.PrintSummary();
+    agent.Finish();
     return true;
 }
 
@@ -110,7 +109,7 @@ int main(int argc, char** argv) {
         fprintf(stderr, "usage: resident SERVER CHANGES POLLS INTERFACE\n");
         return 2;
     }
-    InstallDevelopmentAssert();
+    TqDevelopmentAssert::Install();
     RegisterMonitorClasses();
     const int changes = atoi(argv[2]);
     const int polls = atoi(argv[3]);
@@ -124,6 +123,6 @@ int main(int argc, char** argv) {
     }
     const bool isFlat = IsFlat(settled, AskTheKernel());
     fprintf(stderr, "memory %s; %u complaints, %u failed checks\n",
-            isFlat ? "is flat" : "HAS GROWN", complaintCount, DevelopmentAssertCount());
-    return isFlat && complaintCount + DevelopmentAssertCount() == 0 ? 0 : 1;
+            isFlat ? "is flat" : "HAS GROWN", complaintCount, TqDevelopmentAssert::Count());
+    return isFlat && complaintCount + TqDevelopmentAssert::Count() == 0 ? 0 : 1;
 }

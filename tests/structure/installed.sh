@@ -25,7 +25,7 @@ expect_42() {
 "$CMAKE" --install "$build" --prefix "$room/prefix" >"$room/log" || fail "$(cat "$room/log")"
 mv "$room/prefix" "$prefix"
 
-public=$(cd "$here/../../common" && ls ./*.h)
+public=$(cd "$here/../../common" && ls ./*.h && cd ../comfort && ls ./*.h)
 for header in $public; do
     [ -e "$prefix/include/tqcommon/$header" ] || fail "$header is not installed"
 done
@@ -37,6 +37,7 @@ done
     fail "$(cat "$room/log")"
 "$CMAKE" --build "$room/build" >"$room/log" 2>&1 || fail "$(cat "$room/log")"
 expect_42 "$@" "$room/build/stranger"
+expect_42 "$@" "$room/build/comfortable"
 
 if [ -d "$build/tools" ]; then
     "$@" "$prefix/bin/tqfetch" --help | grep -q '^usage: tqfetch ' || fail "tqfetch does not run"
@@ -48,9 +49,17 @@ if ! command -v pkg-config >/dev/null; then
     exit 77
 fi
 package=$(dirname "$(find "$prefix" -name tqcommon.pc)")
-flags=$(PKG_CONFIG_PATH=$package pkg-config --cflags --libs tqcommon) || fail "no pkg-config package"
-# shellcheck disable=SC2086  # flags are words
-"$COMPILER" "$here/stranger/main.cpp" -o "$room/stranger" $flags $LINK_FLAGS \
-    "-Wl,-rpath,$(PKG_CONFIG_PATH=$package pkg-config --variable=libdir tqcommon)" ||
-    fail "does not compile with $flags"
+
+# by_pkg_config PACKAGE SOURCE
+by_pkg_config() {
+    flags=$(PKG_CONFIG_PATH=$package pkg-config --cflags --libs "$1") || fail "no package $1"
+    # shellcheck disable=SC2086  # flags are words
+    "$COMPILER" "$here/stranger/$2" -o "$room/stranger" $flags $LINK_FLAGS \
+        "-Wl,-rpath,$(PKG_CONFIG_PATH=$package pkg-config --variable=libdir "$1")" ||
+        fail "does not compile with $flags"
+}
+
+by_pkg_config tqcommon main.cpp
+expect_42 "$@" "$room/stranger"
+by_pkg_config tqcomfort comfortable.cpp
 expect_42 "$@" "$room/stranger"

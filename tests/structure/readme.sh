@@ -24,6 +24,7 @@ steps() {
     echo 'cd /program'
     blocks sh | grep '^g++ '
     echo '[ "$(./answer)" = 42 ] || fail "not 42 by g++"'
+    echo '[ "$(LD_PRELOAD=libtqreports.so ./answer 2>&1)" = 42 ] || fail "is not preloaded"'
     echo 'cmake -B by-cmake . >/log && cmake --build by-cmake >/log'
     echo '[ "$(by-cmake/answer)" = 42 ] || fail "not 42 by CMake"'
     echo 'command -v meson >/dev/null || { echo "Skipped: meson is not installed"; exit 77; }'

@@ -104,6 +104,10 @@ void Program::Start(const std::vector<std::string>& words, const Settings& setti
     }));
 }
 
+pid_t Program::Id() const {
+    return child->Id();
+}
+
 void Program::Signal(int number) const {
     kill(child->Id(), number);
 }

@@ -35,6 +35,7 @@ public:
     Program& operator=(const Program&) = delete;
     ~Program();
 
+    pid_t Id() const;
     void Signal(int number) const;
 
     /// Types into the terminal.

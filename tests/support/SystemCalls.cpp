@@ -1,6 +1,8 @@
 #include "SystemCalls.h"
 
 #include <dlfcn.h>
+#include <stdlib.h>
+#include <unistd.h>
 
 #include <atomic>
 
@@ -111,6 +113,37 @@ int fsync(int descriptor) {
     const Replacement replacement;
     if (!systemCalls.fsync || replacement.IsNested()) return real(descriptor);
     return systemCalls.fsync(descriptor);
+}
+
+int mkostemp(char* name, int flags) {
+    static auto* const real = Real(&::mkostemp, "mkostemp64");
+    const Replacement replacement;
+    if (!systemCalls.mkostemp || replacement.IsNested()) return real(name, flags);
+    return systemCalls.mkostemp(name, flags);
+}
+
+int linkat(int oldFolder, const char* oldName, int newFolder, const char* newName,
+           int flags) noexcept {
+    REAL(linkat);
+    const Replacement replacement;
+    if (!systemCalls.linkat || replacement.IsNested()) {
+        return real(oldFolder, oldName, newFolder, newName, flags);
+    }
+    return systemCalls.linkat(oldFolder, oldName, newFolder, newName, flags);
+}
+
+int rename(const char* oldName, const char* newName) noexcept {
+    REAL(rename);
+    const Replacement replacement;
+    if (!systemCalls.rename || replacement.IsNested()) return real(oldName, newName);
+    return systemCalls.rename(oldName, newName);
+}
+
+ssize_t write(int descriptor, const void* bytes, size_t length) {
+    REAL(write);
+    const Replacement replacement;
+    if (!systemCalls.write || replacement.IsNested()) return real(descriptor, bytes, length);
+    return systemCalls.write(descriptor, bytes, length);
 }
 
 int clock_gettime(clockid_t clock, timespec* now) noexcept {

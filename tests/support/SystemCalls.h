@@ -26,6 +26,10 @@ struct SystemCalls {
     std::function<ssize_t(int, void*, std::size_t, int, sockaddr*, socklen_t*)> recvfrom;
     std::function<int(const char*, struct stat*)> stat;
     std::function<int(int)> fsync;
+    std::function<int(char*, int)> mkostemp;
+    std::function<int(int, const char*, int, const char*, int)> linkat;
+    std::function<int(const char*, const char*)> rename;
+    std::function<ssize_t(int, const void*, std::size_t)> write;
     std::function<timespec()> clock_gettime;
 };
 

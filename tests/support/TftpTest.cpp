@@ -58,20 +58,3 @@ std::vector<int> TftpTest::Descriptors() {
     }
     return used;
 }
-
-unsigned int FetchByTftp(std::uint32_t host, const std::string& name, std::string& data) {
-    data.clear();
-    TFTP_OPEN_STRUCT request = {htonl(host), name.c_str(), "octet"};
-    unsigned int result = TFTP_open(&request);
-    while (result == 0 && TFTP_eof() == 0) {
-        unsigned int length = 0;
-        const unsigned char* block = TFTP_read(&length);
-        if (block == nullptr) {
-            result = length;
-        } else {
-            data.append(reinterpret_cast<const char*>(block), length);
-        }
-    }
-    TFTP_close();
-    return result;
-}

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <string>
 #include <vector>
 
 /// What tests of the TFTP client in this very process have in common: a network, a client that has
@@ -24,9 +22,5 @@ protected:
     void SetUp() override;
     void TearDown() override;
 };
-
-/// Reads a whole file, in octet mode, with the client of this process. Returns 0, or a result code,
-/// with what was read up to then.
-unsigned int FetchByTftp(std::uint32_t host, const std::string& name, std::string& data);
 
 #endif

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "Random.h"
+#include "Scale.h"
 #include "TqBoolean.h"
 #include "TqBuffer.h"
 #include "TqCounter.h"
@@ -13,8 +14,11 @@
 
 namespace {
 
-const unsigned int valueCount = 100000;
 const int lowest = -2147483647 - 1;
+
+unsigned int ValueCount() {
+    return Scaled(100000, 100000);
+}
 
 // An empty buffer with room for `count` bytes: one without allocates anew for every item.
 TqBuffer WithRoom(unsigned int count) {
@@ -113,7 +117,7 @@ void ExpectRoundTrip(TqBuffer& buffer, unsigned int count) {
 template <class T>
 void ExpectRoundTripThroughOneBuffer() {
     TqBuffer buffer = WithRoom(6000000);
-    ExpectRoundTrip<T>(buffer, valueCount);
+    ExpectRoundTrip<T>(buffer, ValueCount());
     EXPECT_EQ(buffer.capacity, 6000000u);
 }
 
@@ -140,7 +144,7 @@ TEST(RoundTrip, Booleans) {
 TEST(RoundTrip, NumbersThroughBuffersThatGrowWithEachOfThem) {
     for (unsigned int buffers = 0; buffers < 50; ++buffers) {
         TqBuffer buffer;
-        ExpectRoundTrip<TqNumber>(buffer, valueCount / 50);
+        ExpectRoundTrip<TqNumber>(buffer, ValueCount() / 50);
         EXPECT_EQ(buffer.capacity, buffer.length);
     }
 }

@@ -135,6 +135,25 @@ std::string Judge(const Case& test, unsigned int result, const Octets& read) {
     return std::string();
 }
 
+// Reads a whole file with the client alone: the tests bring their own signals, or none, and a clock
+// of their own.
+unsigned int FetchByTftp(std::uint32_t host, const std::string& name, std::string& data) {
+    data.clear();
+    TFTP_OPEN_STRUCT request = {htonl(host), name.c_str(), "octet"};
+    unsigned int result = TFTP_open(&request);
+    while (result == 0 && TFTP_eof() == 0) {
+        unsigned int length = 0;
+        const unsigned char* block = TFTP_read(&length);
+        if (block == nullptr) {
+            result = length;
+        } else {
+            data.append(reinterpret_cast<const char*>(block), length);
+        }
+    }
+    TFTP_close();
+    return result;
+}
+
 // The hosts and the directory of one worker.
 struct Place {
     Endpoint proxy;

@@ -1,63 +1,43 @@
 #include "Outcome.h"
 
+#include "TqDownload.h"
 #include "TqTftp.h"
+#include "TqTftpText.h"
 
 namespace {
 
-const char* const serverErrors[] = {
-    "the server reports an error without a number",
-    "the server has no such file",
-    "the server does not give access to the file",
-    "the server's disk is full",
-    "the server broke the protocol, or says that the request is illegal",
-    "the server does not know this transfer",
-    "the server says that the file exists already",
-    "the server does not know the user",
-};
+const unsigned int knownErrors = 8;
 
-Outcome ServerErrorOutcome(unsigned int code, const std::string& words) {
-    const bool isKnown = code < sizeof serverErrors / sizeof *serverErrors;
-    const std::string sentence =
-        isKnown ? serverErrors[code] : "the server reports an error of its own";
-    const std::string reason = words.empty() ? std::string() : ": " + words;
-    return {isKnown ? exitServerError + static_cast<int>(code) : exitOtherServerError,
-            sentence + " (error " + std::to_string(code) + reason + ")"};
-}
-
-std::string Time(unsigned int seconds) {
-    return std::to_string(seconds) + (seconds == 1 ? " second" : " seconds");
-}
-
-}  // namespace
-
-Outcome OutcomeOf(unsigned int result, const std::string& words) {
+int StatusOf(unsigned int result) {
     switch (result) {
-        case 0:
-            return {exitComplete, std::string()};
+        case TqDownload::complete:
+            return exitComplete;
+        case TqDownload::noServer:
+            return exitUnknownHost;
+        case TqDownload::silent:
+            return exitSilence;
+        case TqDownload::late:
+            return exitDeadline;
+        case TqDownload::tooLarge:
+            return exitTooLarge;
+        case TqDownload::noThread:
+            return exitLocalFailure;
         case TFTP_NO_SOCKET:
-            return {exitNoSocket, "the socket could not be created"};
+            return exitNoSocket;
         case TFTP_NO_MEMORY:
-            return {exitNoMemory, "there is no memory for the request"};
+            return exitNoMemory;
         case TFTP_NOT_SENT:
-            return {exitNotSent, "the request could not be sent whole"};
+            return exitNotSent;
         default:
             break;
     }
     const unsigned int code = result - TFTP_SERVER_ERROR;
-    if (code <= 0xFFFF) return ServerErrorOutcome(code, words);
-    return {exitNotBound, "the socket could not be bound to a port"};
+    if (code < knownErrors) return exitServerError + static_cast<int>(code);
+    return code <= 0xFFFF ? exitOtherServerError : exitNotBound;
 }
 
-Outcome SilenceOutcome(unsigned int seconds) {
-    return {exitSilence, "no new block for " + Time(seconds)};
-}
+}  // namespace
 
-Outcome DeadlineOutcome(unsigned int seconds) {
-    return {exitDeadline, "not complete after " + Time(seconds)};
-}
-
-Outcome TooLargeOutcome() {
-    return {exitTooLarge,
-            "the file is larger than TFTP allows: 65,535 blocks of 512 bytes, the last one short "
-            "(33,553,919 bytes)"};
+Outcome OutcomeOf(unsigned int result, const std::string& words, unsigned int seconds) {
+    return {StatusOf(result), TqTftpText(result, words.c_str(), seconds).data};
 }

@@ -26,17 +26,9 @@ enum ExitStatus {
     exitOtherServerError = 24
 };
 
-/// What a result code of the TFTP client comes to. A code that none of its functions documents is
-/// the result of a failed `bind`. `words` is what the server says in an error packet.
-Outcome OutcomeOf(unsigned int result, const std::string& words = std::string());
-
-/// No new block for so long.
-Outcome SilenceOutcome(unsigned int seconds);
-
-/// Not done after so long.
-Outcome DeadlineOutcome(unsigned int seconds);
-
-/// More blocks than there are numbers.
-Outcome TooLargeOutcome();
+/// What a result of the download comes to. `words` is what the server or the system says of it,
+/// `seconds` how long was waited.
+Outcome OutcomeOf(unsigned int result, const std::string& words = std::string(),
+                  unsigned int seconds = 0);
 
 #endif

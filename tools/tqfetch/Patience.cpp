@@ -1,7 +1,6 @@
 #include "Patience.h"
 
 #include <signal.h>
-#include <sys/time.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -15,33 +14,13 @@
 
 namespace {
 
-// The client blocks in its receive once its wait is over, and resends only when something
-// interrupts the receive. This signal does, so often each second.
-const int ticksPerSecond = 5;
-
 // For those who read the last words through a pipe that happens to be full.
 const int lastWordsTime = 1000;
 
-// The ticks that are left until nobody waits any longer; 0 while nothing is awaited.
-volatile sig_atomic_t patience = 0;
-std::atomic<const Farewell*> farewell(nullptr);
 std::atomic<const Farewell*> deadlineFarewell(nullptr);
 
-[[noreturn]] void End(const Farewell& last) {
-    TargetFile::RemoveTemporary();
-    Progress::EndLine();
-    WriteWithin(lastWordsTime, last.text.data(), last.text.size());
-    _exit(last.status);
-}
-
-void OnTick(int) {
-    if (patience == 0) return;
-    if (--patience == 0) End(*farewell.load());
-    Progress::ShowWaiting();
-}
-
 void OnDeadline(int) {
-    End(*deadlineFarewell.load());
+    GiveUp(*deadlineFarewell.load());
 }
 
 // Tidies up; the signal then does what it does to a program without a handler.
@@ -61,7 +40,7 @@ void HandleEnd(int number) {
     sigaction(number, &action, nullptr);
 }
 
-// Without SA_RESTART, or the receive would go on; and whatever the parent did with the signal.
+// Whatever the parent did with the signal.
 void HandleTime(int number, void (*handler)(int)) {
     struct sigaction action = {};
     action.sa_handler = handler;
@@ -80,23 +59,22 @@ bool EndsByDefault(int number) {
     return true;
 }
 
-void SetTimer(const timeval& first, const timeval& then) {
-    const itimerval timer = {then, first};
-    setitimer(ITIMER_REAL, &timer, nullptr);
-}
-
-const timeval never = {0, 0};
-
 }  // namespace
 
+void GiveUp(const Farewell& last) {
+    TargetFile::RemoveTemporary();
+    Progress::EndLine();
+    WriteWithin(lastWordsTime, last.text.data(), last.text.size());
+    _exit(last.status);
+}
+
 void HandleSignals() {
-    HandleTime(SIGALRM, OnTick);
+    signal(SIGALRM, SIG_IGN);
     for (int number = 1; number <= SIGRTMAX; ++number) {
         if (EndsByDefault(number)) HandleEnd(number);
     }
 }
 
-// A timer of its own: nothing that is done to the other one touches it.
 void StartDeadline(unsigned int seconds, const Farewell& last) {
     deadlineFarewell = &last;
     HandleTime(SIGRTMIN, OnDeadline);
@@ -110,33 +88,4 @@ void StartDeadline(unsigned int seconds, const Farewell& last) {
     itimerspec time = itimerspec();
     time.it_value.tv_sec = static_cast<time_t>(seconds);
     timer_settime(timer, 0, &time, nullptr);
-}
-
-Limit::Limit(unsigned int seconds, const Farewell& last) {
-    farewell = &last;
-    patience = 1;
-    SetTimer({static_cast<time_t>(seconds), 0}, never);
-}
-
-Limit::~Limit() {
-    patience = 0;
-    SetTimer(never, never);
-}
-
-Ticks::Ticks() {
-    const timeval between = {0, 1000000 / ticksPerSecond};
-    SetTimer(between, between);
-}
-
-Ticks::~Ticks() {
-    SetTimer(never, never);
-}
-
-Wait::Wait(unsigned int seconds, const Farewell& last) {
-    farewell = &last;
-    patience = static_cast<sig_atomic_t>(seconds * ticksPerSecond);
-}
-
-Wait::~Wait() {
-    patience = 0;
 }

@@ -99,11 +99,9 @@ void Progress::End() {
 }
 
 void Progress::ShowWaiting() {
-    Progress* const progress = open;
-    if (progress == nullptr) return;
+    if (open == nullptr) return;
     const Clock::time_point now = Clock::now();
-    const Clock::time_point news = progress->news;
-    if (WholeSeconds(now - news) > WholeSeconds(progress->drawn - news)) progress->Draw(now);
+    if (WholeSeconds(now - news) > WholeSeconds(drawn - news)) Draw(now);
 }
 
 void Progress::EndLine() {

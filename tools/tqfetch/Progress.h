@@ -45,9 +45,8 @@ public:
     /// Draws the last state and ends the line.
     void End();
 
-    /// Draws whenever nothing has come for another whole second. For signal handlers that interrupt
-    /// no other call.
-    static void ShowWaiting();
+    /// Draws whenever nothing has come for another whole second.
+    void ShowWaiting();
 
     /// Ends the line as it is. For signal handlers.
     static void EndLine();

@@ -4,12 +4,14 @@
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
+#include <set>
 #include <system_error>
 
 #include "Child.h"
@@ -21,6 +23,7 @@
 #include "Progress.h"
 #include "SystemCalls.h"
 #include "TargetFile.h"
+#include "TqDownload.h"
 
 namespace {
 
@@ -53,6 +56,13 @@ TEST(Netascii, AReturnBeforeAnythingElseStays) {
     EXPECT_EQ(Decoded({"a\rb"}), "a\rb");
     EXPECT_EQ(Decoded({"a\r\r\nb"}), "a\r\nb");
     EXPECT_EQ(Decoded({"a\r"}), "a\r");
+}
+
+TEST(Netascii, WhatWasHeldBackComesOnce) {
+    NetasciiDecoder decoder;
+    EXPECT_EQ(decoder.Decode(reinterpret_cast<const unsigned char*>("a\r"), 2), "a");
+    EXPECT_EQ(decoder.End(), "\r");
+    EXPECT_EQ(decoder.End(), "");
 }
 
 // Messages.
@@ -127,6 +137,16 @@ TEST(TqfetchMessage, IsWrittenWhole) {
     EXPECT_TRUE(errors.Take() == text);
 }
 
+TEST(TqfetchMessage, IsWrittenWholeWhereASingleByteIsTakenAtATime) {
+    ErrorPipe errors;
+    systemCalls.write = [](int descriptor, const void* bytes, std::size_t) {
+        return write(descriptor, bytes, 1);
+    };
+    WriteWithin(0, "text", 4);
+    systemCalls = SystemCalls();
+    EXPECT_EQ(errors.Take(), "text");
+}
+
 TEST(TqfetchMessage, IsLostWhereNobodyTakesIt) {
     ErrorPipe errors;
     const std::size_t full = errors.Fill();
@@ -192,11 +212,11 @@ TEST(TqfetchOutcome, TheServersWordsStandBesideItsCode) {
 }
 
 TEST(TqfetchOutcome, WhatTookTooLongOrIsTooLargeSaysSo) {
-    ExpectOutcome(SilenceOutcome(1), 4, "no new block for 1 second");
-    ExpectOutcome(SilenceOutcome(2), 4, "no new block for 2 seconds");
-    ExpectOutcome(DeadlineOutcome(1), 10, "not complete after 1 second");
-    ExpectOutcome(DeadlineOutcome(86400), 10, "not complete after 86400 seconds");
-    ExpectOutcome(TooLargeOutcome(), 5,
+    ExpectOutcome(OutcomeOf(TqDownload::silent, "", 1), 4, "no new block for 1 second");
+    ExpectOutcome(OutcomeOf(TqDownload::silent, "", 2), 4, "no new block for 2 seconds");
+    ExpectOutcome(OutcomeOf(TqDownload::late, "", 1), 10, "not complete after 1 second");
+    ExpectOutcome(OutcomeOf(TqDownload::late, "", 86400), 10, "not complete after 86400 seconds");
+    ExpectOutcome(OutcomeOf(TqDownload::tooLarge), 5,
                   "the file is larger than TFTP allows: 65,535 blocks of 512 bytes, the last one "
                   "short (33,553,919 bytes)");
 }
@@ -302,25 +322,25 @@ TEST_F(TqfetchProgressLine, TellsEverySecondOfAWait) {
     progress.Update(512);
     errors.Take();
     Pass(999);
-    Progress::ShowWaiting();
+    progress.ShowWaiting();
     EXPECT_EQ(errors.Take(), "");
     Pass(1);
-    Progress::ShowWaiting();
+    progress.ShowWaiting();
     EXPECT_EQ(errors.Take(), "\r512 bytes  341 B/s  0:01  waiting 1 s");
     Pass(999);
-    Progress::ShowWaiting();
+    progress.ShowWaiting();
     EXPECT_EQ(errors.Take(), "");
     Pass(1);
-    Progress::ShowWaiting();
+    progress.ShowWaiting();
     EXPECT_EQ(errors.Take(), "\r512 bytes  204 B/s  0:02  waiting 2 s");
     Pass(100);
     progress.Update(1024);
     EXPECT_EQ(errors.Take(), "\r1024 bytes  393 B/s  0:02            ");
     Pass(999);
-    Progress::ShowWaiting();
+    progress.ShowWaiting();
     EXPECT_EQ(errors.Take(), "");
     Pass(50);
-    Progress::ShowWaiting();
+    progress.ShowWaiting();
     EXPECT_EQ(errors.Take(), "\r1024 bytes  280 B/s  0:03  waiting 1 s");
 }
 
@@ -332,7 +352,7 @@ TEST_F(TqfetchProgressLine, EndsOnce) {
         EXPECT_EQ(errors.Take(), "\n");
         Progress::EndLine();
         Pass(5000);
-        Progress::ShowWaiting();
+        progress.ShowWaiting();
         progress.End();
     }
     EXPECT_EQ(errors.Take(), "");
@@ -344,10 +364,10 @@ TEST_F(TqfetchProgressLine, ShowsNothingUnlessItIsToBeShown) {
     {
         Progress progress(false);
         Pass(5000);
-        Progress::ShowWaiting();
+        progress.ShowWaiting();
         progress.Update(512);
         Pass(5000);
-        Progress::ShowWaiting();
+        progress.ShowWaiting();
         progress.End();
     }
     EXPECT_EQ(errors.Take(), "");
@@ -421,6 +441,68 @@ TEST_F(TqfetchTarget, AnIncompleteFileLeavesNothing) {
     { TargetFile(path).Write("new", 3); }
     EXPECT_EQ(NamesNow(), Names({"file"}));
     EXPECT_EQ(ReadFile(path), "old");
+}
+
+std::set<int> OpenDescriptors() {
+    std::set<int> open;
+    for (int descriptor = 0; descriptor < 256; ++descriptor) {
+        if (fcntl(descriptor, F_GETFD) >= 0) open.insert(descriptor);
+    }
+    return open;
+}
+
+TEST_F(TqfetchTarget, KeepsItsDescriptorToItselfAndClosesIt) {
+    const std::string pipe = directory.Path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const std::set<int> before = OpenDescriptors();
+    for (const std::string& name : {path, pipe, std::string("-")}) {
+        {
+            const TargetFile target(name);
+            for (const int descriptor : OpenDescriptors()) {
+                if (before.count(descriptor) != 0) continue;
+                EXPECT_EQ(fcntl(descriptor, F_GETFD), FD_CLOEXEC) << name;
+            }
+        }
+        EXPECT_EQ(OpenDescriptors(), before) << name;
+    }
+    close(reader);
+}
+
+bool AreSignalsHeld() {
+    sigset_t held;
+    sigprocmask(SIG_BLOCK, nullptr, &held);
+    return sigismember(&held, SIGHUP) == 1 && sigismember(&held, SIGTERM) == 1;
+}
+
+// One that came between the file and the note of its name would leave the file.
+TEST_F(TqfetchTarget, SignalsWaitWhileTheTemporaryFileChangesItsName) {
+    systemCalls.linkat = [](int oldFolder, const char* oldName, int newFolder, const char* newName,
+                            int flags) {
+        EXPECT_TRUE(AreSignalsHeld());
+        return linkat(oldFolder, oldName, newFolder, newName, flags);
+    };
+    systemCalls.rename = [](const char* oldName, const char* newName) {
+        EXPECT_TRUE(AreSignalsHeld());
+        return rename(oldName, newName);
+    };
+    EXPECT_EQ(ProblemOf(path), "");
+    EXPECT_FALSE(AreSignalsHeld());
+    EXPECT_EQ(ReadFile(path), "new");
+}
+
+TEST_F(TqfetchTarget, ACompleteFileHasNoTemporaryNameAnyMore) {
+    std::string temporary;
+    systemCalls.rename = [&temporary](const char* oldName, const char* newName) {
+        temporary = oldName;
+        return rename(oldName, newName);
+    };
+    {
+        TargetFile target(path);
+        target.Complete();
+        WriteFile(temporary, "another's");
+    }
+    EXPECT_EQ(ReadFile(temporary), "another's");
 }
 
 TEST_F(TqfetchTarget, ATemporaryNameThatIsTakenIsLeftAlone) {
@@ -622,6 +704,11 @@ TEST_F(TqfetchTarget, WithoutNamelessFilesTheTemporaryFileHasANameAndGoesTheSame
     if (!IsTrueInChild(HideDescriptors)) GTEST_SKIP() << "no mount namespace of its own";
     EXPECT_TRUE(IsTrueInChild([this] {
         bool isFine = HideDescriptors();
+        const std::set<int> before = OpenDescriptors();
+        systemCalls.mkostemp = [&isFine](char* name, int flags) {
+            isFine = isFine && AreSignalsHeld();
+            return mkostemp(name, flags);
+        };
         {
             TargetFile target(path);
             target.Write("text", 4);
@@ -631,6 +718,7 @@ TEST_F(TqfetchTarget, WithoutNamelessFilesTheTemporaryFileHasANameAndGoesTheSame
         isFine = isFine && NamesNow() == Names({"file"}) && ReadFile(path) == "text";
         { TargetFile(path).Write("new", 3); }
         isFine = isFine && NamesNow() == Names({"file"}) && ReadFile(path) == "text";
+        isFine = isFine && OpenDescriptors() == before;
         TargetFile target(path);
         TargetFile::RemoveTemporary();
         return isFine && NamesNow() == Names({"file"});

@@ -1,19 +1,35 @@
-#include "DevelopmentAssert.h"
+#include "TqDevelopmentAssert.h"
 
 #include <cxxabi.h>
 #include <dlfcn.h>
-#include <execinfo.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#ifdef TQ_HAVE_BACKTRACE
+#include <execinfo.h>
+#endif
 
 #include <atomic>
 
+#include "TqReportSentence.h"
+
 namespace {
 
-const int maxFrames = 64;
-
 std::atomic<unsigned int> failedChecks(0);
+std::atomic<bool> aborts(false);
+
+void PrintWords(const char* file, int line) {
+    const char* const sentence = TqReportSentence(file, line);
+    if (sentence == nullptr) {
+        fprintf(stderr, "check failed in %s, line %d\n", file, line);
+    } else {
+        fprintf(stderr, "check failed: %s\n  (%s, line %d)\n", sentence, file, line);
+    }
+}
+
+#ifdef TQ_HAVE_BACKTRACE
+
+const int maxFrames = 64;
 
 // What dladdr knows of the call that returns to `returnAddress`: the byte before it, since a call
 // may be the last instruction of its function.
@@ -57,26 +73,42 @@ int FirstFrame(void* const* frames, int count) {
     return 1;
 }
 
-void PrintReport(const char* file, int line) {
-    failedChecks.fetch_add(1);
+void PrintCalls() {
     void* frames[maxFrames];
     const int count = backtrace(frames, maxFrames);
-
-    flockfile(stderr);  // the reports of two threads one after the other
-    fprintf(stderr, "check failed in %s, line %d\n", file, line);
     for (int i = FirstFrame(frames, count); i < count; ++i) PrintFrame(frames[i]);
-    funlockfile(stderr);
 }
+
+// The first backtrace loads what it needs: now rather than in the middle of a fault.
+void PrepareCalls() {
+    void* frame = nullptr;
+    backtrace(&frame, 1);
+}
+
+#else
+
+void PrintCalls() {}
+void PrepareCalls() {}
+
+#endif
 
 }  // namespace
 
-TqAssertCb InstallDevelopmentAssert() {
-    // The first backtrace loads what it needs: now rather than in the middle of a fault.
-    void* frame = nullptr;
-    backtrace(&frame, 1);
-    return TqRegisterAssertCb(PrintReport);
+TqAssertCb TqDevelopmentAssert::Install(AFTERWARDS afterwards) {
+    PrepareCalls();
+    aborts = afterwards == abortProgram;
+    return TqRegisterAssertCb(Report);
 }
 
-unsigned int DevelopmentAssertCount() {
+unsigned int TqDevelopmentAssert::Count() {
     return failedChecks.load();
+}
+
+void TqDevelopmentAssert::Report(const char* file, int line) {
+    failedChecks.fetch_add(1);
+    flockfile(stderr);
+    PrintWords(file, line);
+    PrintCalls();
+    funlockfile(stderr);
+    if (aborts) abort();
 }

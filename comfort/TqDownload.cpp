@@ -1,0 +1,594 @@
+#include "TqDownload.h"
+
+#include <fcntl.h>
+#include <linux/filter.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <pthread.h>
+#include <signal.h>
+#include <sys/select.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <initializer_list>
+#include <memory>
+
+#include "TqTftp.h"
+#include "TqTftpText.h"
+
+namespace {
+
+const unsigned int mostBlocks = 65535;
+
+// All times are milliseconds. How long the caller's thread waits before it looks around:
+const int lookAround = 200;
+
+// The client blocks in its receive once its time-out has run out, and sends again only when
+// something interrupts the receive. Nothing needs to before the shortest time-out is over; and
+// whatever interrupts its wait before the receive makes it print a line.
+const long long firstTimeout = 4000;
+const long long betweenTicks = 1000;
+
+const int betweenStops = 5;
+
+// Ignored where nobody handles it, so that one too many does no harm.
+const int tickSignal = SIGURG;
+
+long long Now() {
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return now.tv_sec * 1000LL + now.tv_nsec / 1000000;
+}
+
+// A state that two threads change and wait for: the one that fetches, never for long, and the other
+// one. Each has a condition of its own to wait for, which cannot wake the wrong one.
+class SharedState {
+public:
+    explicit SharedState(int first) : state(first) {
+        pthread_mutex_init(&mutex, nullptr);
+        pthread_condattr_t attributes;
+        pthread_condattr_init(&attributes);
+        pthread_condattr_setclock(&attributes, CLOCK_MONOTONIC);
+        pthread_cond_init(&forFetching, &attributes);
+        pthread_cond_init(&forOther, &attributes);
+        pthread_condattr_destroy(&attributes);
+    }
+    ~SharedState() {
+        pthread_cond_destroy(&forFetching);
+        pthread_cond_destroy(&forOther);
+        pthread_mutex_destroy(&mutex);
+    }
+    SharedState(const SharedState&) = delete;
+    SharedState& operator=(const SharedState&) = delete;
+
+    // From one state to another. False, and nothing is changed, when it is not in that one.
+    bool Change(int from, int to) {
+        const Lock lock(mutex);
+        if (state != from) return false;
+        Take(to);
+        return true;
+    }
+
+    // From whatever state.
+    void Set(int to) {
+        const Lock lock(mutex);
+        Take(to);
+    }
+
+    // Waits until it is another one, for so long at most. Returns which it is.
+    int AwaitOther(int than, int milliseconds) {
+        const long long end = Now() + milliseconds;
+        timespec until = timespec();
+        until.tv_sec = static_cast<time_t>(end / 1000);
+        until.tv_nsec = static_cast<long>(end % 1000 * 1000000);
+        const Lock lock(mutex);
+        while (state == than && pthread_cond_timedwait(&forFetching, &mutex, &until) == 0) {
+        }
+        return state;
+    }
+
+    int AwaitOther(int than) {
+        const Lock lock(mutex);
+        while (state == than) pthread_cond_wait(&forOther, &mutex);
+        return state;
+    }
+
+private:
+    class Lock {
+    public:
+        explicit Lock(pthread_mutex_t& taken) : mutex(taken) { pthread_mutex_lock(&mutex); }
+        ~Lock() { pthread_mutex_unlock(&mutex); }
+        Lock(const Lock&) = delete;
+        Lock& operator=(const Lock&) = delete;
+
+    private:
+        pthread_mutex_t& mutex;
+    };
+
+    void Take(int to) {
+        state = to;
+        pthread_cond_signal(&forFetching);
+        pthread_cond_signal(&forOther);
+    }
+
+    int state;
+    pthread_mutex_t mutex;
+    pthread_cond_t forFetching;
+    pthread_cond_t forOther;
+};
+
+// Starts a thread that the program's signals do not reach, but those of its own faults. Returns 0
+// or an error number.
+int StartThread(pthread_t& thread, void* (*function)(void*), void* argument) {
+    sigset_t blocked;
+    sigset_t before;
+    sigfillset(&blocked);
+    for (const int number : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, tickSignal}) {
+        sigdelset(&blocked, number);
+    }
+    pthread_sigmask(SIG_SETMASK, &blocked, &before);
+    const int error = pthread_create(&thread, nullptr, function, argument);
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return error;
+}
+
+// The address of a host, asked for in a thread that nobody can interrupt: who has waited long
+// enough leaves it behind, and the last one clears up.
+class Lookup {
+public:
+    enum State { asking, done };
+
+    explicit Lookup(const char* server) : state(asking), name(server) {}
+
+    // Returns 0 or what getaddrinfo says.
+    int Ask(int flags) {
+        addrinfo wanted = addrinfo();
+        wanted.ai_family = AF_INET;
+        wanted.ai_socktype = SOCK_DGRAM;
+        wanted.ai_flags = flags;
+        addrinfo* found = nullptr;
+        error = getaddrinfo(name.data, nullptr, &wanted, &found);
+        systemError = errno;
+        if (error != 0) return error;
+        sockaddr_in first;
+        std::memcpy(&first, found->ai_addr, sizeof first);
+        address = first.sin_addr.s_addr;
+        freeaddrinfo(found);
+        return 0;
+    }
+
+    // What a thread gets: a pointer of its own, which it deletes.
+    typedef std::shared_ptr<Lookup> Holder;
+
+    static void* Run(void* holder) {
+        const std::unique_ptr<Holder> own(static_cast<Holder*>(holder));
+        (*own)->Ask(0);
+        (*own)->state.Set(done);
+        return nullptr;
+    }
+
+    const char* Problem() const {
+        return error == EAI_SYSTEM ? std::strerror(systemError) : gai_strerror(error);
+    }
+
+    SharedState state;
+    unsigned int address = 0;
+    int error = 0;
+
+private:
+    const TqString name;
+    int systemError = 0;
+};
+
+// The client's socket is found by what is new among the descriptors after it was opened: the client
+// tells nobody its number, and other threads may open descriptors at the same time.
+struct Sockets {
+    ino_t number[FD_SETSIZE];  // 0 where there is none of the client's kind
+};
+
+bool IsLikeTheClients(int descriptor) {
+    sockaddr_in own = sockaddr_in();
+    sockaddr_in peer;
+    socklen_t length = sizeof own;
+    if (getsockname(descriptor, reinterpret_cast<sockaddr*>(&own), &length) != 0) return false;
+    if (own.sin_family != AF_INET || own.sin_addr.s_addr != htonl(INADDR_ANY)) return false;
+    int type = 0;
+    length = sizeof type;
+    getsockopt(descriptor, SOL_SOCKET, SO_TYPE, &type, &length);
+    length = sizeof peer;
+    return type == SOCK_DGRAM && own.sin_port != 0 &&
+           getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &length) != 0;
+}
+
+ino_t SocketNumber(int descriptor) {
+    struct stat status;
+    if (!IsLikeTheClients(descriptor) || fstat(descriptor, &status) != 0) return 0;
+    return status.st_ino;
+}
+
+void Look(Sockets& sockets) {
+    for (int i = 0; i < FD_SETSIZE; ++i) sockets.number[i] = SocketNumber(i);
+}
+
+// The one socket that was not there before; -1 when there are several.
+int OnlyNewOne(const Sockets& before) {
+    int found = -1;
+    for (int i = 0; i < FD_SETSIZE; ++i) {
+        const ino_t number = SocketNumber(i);
+        if (number == 0 || number == before.number[i]) continue;
+        if (found >= 0) return -1;
+        found = i;
+    }
+    return found;
+}
+
+// Whether all that was written has arrived; on the disk, if it is one.
+bool IsKept(std::FILE* file, bool isPlain) {
+    return std::fflush(file) == 0 && (!isPlain || fsync(fileno(file)) == 0);
+}
+
+void OnTick(int) {}
+
+// While it lives, the signal interrupts what blocks.
+class TickHandler {
+public:
+    TickHandler() {
+        struct sigaction action = {};
+        action.sa_handler = OnTick;  // without SA_RESTART, or the receive would go on
+        sigaction(tickSignal, &action, &before);
+    }
+    ~TickHandler() { sigaction(tickSignal, &before, nullptr); }
+    TickHandler(const TickHandler&) = delete;
+    TickHandler& operator=(const TickHandler&) = delete;
+
+private:
+    struct sigaction before;
+};
+
+// The client has one transfer at a time. Whoever fetches has the turn.
+std::atomic<bool> isTurnTaken(false);
+thread_local bool hasTurn = false;
+
+class Turn {
+public:
+    Turn() { hasTurn = true; }
+    ~Turn() {
+        hasTurn = false;
+        isTurnTaken = false;
+    }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+};
+
+}  // namespace
+
+// One transfer of the client in a thread of its own, which waits after each block until it is told
+// to go on.
+class TqDownload::Transfer {
+public:
+    enum State { reading, blockIsHere, stopping, ended };
+
+    explicit Transfer(const TFTP_OPEN_STRUCT& wanted) : request(wanted), state(reading) {}
+
+    // However the caller leaves: neither thread nor client goes on.
+    ~Transfer() {
+        if (isStarted) Stop();
+        if (ownDescriptor >= 0) close(ownDescriptor);
+    }
+
+    Transfer(const Transfer&) = delete;
+    Transfer& operator=(const Transfer&) = delete;
+
+    // Returns 0 or an error number.
+    int Start() {
+        const int error = StartThread(thread, Run, this);
+        isStarted = error == 0;
+        return error;
+    }
+
+    int Await(int milliseconds) { return state.AwaitOther(reading, milliseconds); }
+    void GoOn() { state.Change(blockIsHere, reading); }
+
+    // Interrupts the client, which sends again what is due.
+    void Tick() { pthread_kill(thread, tickSignal); }
+
+    // Ends the thread, which must have been started.
+    void Stop() {
+        if (!state.Change(reading, stopping)) state.Change(blockIsHere, stopping);
+        // The client comes out of a receive only when that fails. Ticks get it there.
+        while (state.AwaitOther(stopping, betweenStops) == stopping) {
+            Deafen();
+            Tick();
+        }
+        pthread_join(thread, nullptr);
+        isStarted = false;
+    }
+
+    const unsigned char* block = nullptr;
+    unsigned int length = 0;
+    unsigned int result = 0;
+    int openError = 0;  // errno, where opening failed
+
+private:
+    static void* Run(void* transfer) {
+        Transfer* own = static_cast<Transfer*>(transfer);
+        own->result = own->Work();
+        own->state.Set(ended);
+        return nullptr;
+    }
+
+    unsigned int Work() {
+        const unsigned int opened = Open();
+        if (opened != 0) return opened;
+        while (TFTP_eof() == 0) {
+            block = TFTP_read(&length);
+            if (block == nullptr) return length;
+            if (!HandOver()) break;
+        }
+        TFTP_close();
+        return 0;
+    }
+
+    // False when it is to stop.
+    bool HandOver() {
+        if (!state.Change(reading, blockIsHere)) return false;
+        return state.AwaitOther(blockIsHere) == reading;
+    }
+
+    // Opens the transfer, and its socket a second time. Where another thread has opened a socket
+    // like it at the very same moment, all is begun anew.
+    unsigned int Open() {
+        for (int attempts = 3; attempts > 0; --attempts) {
+            Sockets before;
+            Look(before);
+            errno = 0;
+            const unsigned int opened = TFTP_open(&request);
+            openError = errno;
+            if (opened != 0) return opened;
+            const int found = OnlyNewOne(before);
+            if (found >= 0) return OpenAgain(found);
+            TFTP_close();
+        }
+        openError = EBUSY;
+        return TFTP_NO_SOCKET;
+    }
+
+    unsigned int OpenAgain(int descriptor) {
+        ownDescriptor = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+        openError = ownDescriptor < 0 ? errno : 0;
+        if (ownDescriptor >= 0) return 0;
+        TFTP_close();
+        return TFTP_NO_SOCKET;
+    }
+
+    // Nothing comes to the client's socket any more, and once what has come is read, receiving
+    // fails. It is done by a descriptor of this object's own: the client may have closed its one.
+    void Deafen() {
+        if (ownDescriptor < 0) return;
+        sock_filter nothing = {BPF_RET | BPF_K, 0, 0, 0};
+        const sock_fprog filter = {1, &nothing};
+        setsockopt(ownDescriptor, SOL_SOCKET, SO_ATTACH_FILTER, &filter, sizeof filter);
+        fcntl(ownDescriptor, F_SETFL, O_NONBLOCK);
+    }
+
+    TFTP_OPEN_STRUCT request;
+    SharedState state;
+    const TickHandler handler;
+    pthread_t thread = pthread_t();
+    bool isStarted = false;
+    std::atomic<int> ownDescriptor{-1};
+};
+
+TqDownload::TqDownload(const char* host, const char* name)
+    : server(host),
+      fileName(name),
+      mode("octet"),
+      patience(30),
+      deadline(0),
+      mostBytes(0),
+      watch(nullptr),
+      watchUser(nullptr),
+      result(complete),
+      bytes(0),
+      address(0),
+      begun(0),
+      isCancelled(false) {}
+
+void TqDownload::Cancel() {
+    isCancelled = true;
+}
+
+unsigned int TqDownload::Begin() {
+    begun = Now();
+    bytes = 0;
+    return End(complete, nullptr);
+}
+
+unsigned int TqDownload::End(unsigned int outcome, const char* reason) {
+    words = reason;
+    return result = outcome;
+}
+
+// Whether there is a reason to wait no longer, which is the result then. `since` is when there was
+// news last.
+bool TqDownload::IsOver(long long since) {
+    const long long now = Now();
+    if (isCancelled) {
+        result = cancelled;
+    } else if (deadline != 0 && now - begun >= deadline * 1000LL) {
+        result = late;
+    } else if (patience != 0 && now - since >= patience * 1000LL) {
+        result = silent;
+    } else {
+        return false;
+    }
+    return true;
+}
+
+// How long to wait before looking around.
+int TqDownload::TimeLeft(long long since) const {
+    const long long now = Now();
+    long long left = lookAround;
+    if (deadline != 0 && begun + deadline * 1000LL - now < left) {
+        left = begun + deadline * 1000LL - now;
+    }
+    if (patience != 0 && since + patience * 1000LL - now < left) {
+        left = since + patience * 1000LL - now;
+    }
+    return left < 1 ? 1 : static_cast<int>(left);
+}
+
+void TqDownload::Watch(long long silence) const {
+    if (watch != nullptr) watch(watchUser, bytes, static_cast<unsigned int>(silence));
+}
+
+unsigned int TqDownload::FindServer() {
+    Begin();
+    return AwaitAddress();
+}
+
+unsigned int TqDownload::AwaitAddress() {
+    const Lookup::Holder lookup = std::make_shared<Lookup>(server.data);
+    // An address in figures needs no thread, as nobody is asked.
+    if (lookup->Ask(AI_NUMERICHOST) == 0) {
+        address = lookup->address;
+        return result;
+    }
+    std::unique_ptr<Lookup::Holder> threads(new Lookup::Holder(lookup));
+    pthread_t thread;
+    const int error = StartThread(thread, Lookup::Run, threads.get());
+    if (error != 0) return End(noThread, std::strerror(error));
+    static_cast<void>(threads.release());
+    pthread_detach(thread);
+    while (lookup->state.AwaitOther(Lookup::asking, TimeLeft(begun)) != Lookup::done) {
+        if (!IsOver(begun)) continue;
+        return result == silent ? End(silent, "no answer from the name service") : result;
+    }
+    if (lookup->error != 0) return End(noServer, lookup->Problem());
+    address = lookup->address;
+    return result;
+}
+
+unsigned int TqDownload::AwaitTurn() {
+    if (hasTurn) return End(nested, nullptr);
+    while (isTurnTaken.exchange(true)) {
+        // The other one's time is not this one's silence.
+        if (IsOver(Now())) return result;
+        const timespec pause = {0, TimeLeft(Now()) * 1000000L};
+        nanosleep(&pause, nullptr);
+    }
+    return result;
+}
+
+unsigned int TqDownload::ToFunction(Receiver receive, void* user) {
+    Begin();
+    if (IsOver(begun)) return result;
+    if (address == 0 && AwaitAddress() != complete) return result;
+    if (AwaitTurn() != complete) return result;
+    const Turn turn;
+    return Fetch(receive, user);
+}
+
+unsigned int TqDownload::Fetch(Receiver receive, void* user) {
+    const TFTP_OPEN_STRUCT request = {address, fileName.data, mode.data};
+    Transfer transfer(request);
+    const int error = transfer.Start();
+    if (error != 0) return End(noThread, std::strerror(error));
+    const unsigned int outcome = Receive(transfer, receive, user);
+    transfer.Stop();
+    if (outcome != transfer.result || outcome == complete) return result = outcome;
+    if (transfer.openError != 0) return End(outcome, std::strerror(transfer.openError));
+    unsigned int length = 0;
+    const unsigned char* text = TFTP_error_text(&length);
+    const char* const said = reinterpret_cast<const char*>(text);
+    words.SetValue(said, static_cast<unsigned int>(strnlen(said, length)));
+    return result = outcome;
+}
+
+// Hands over block after block. Returns what the transfer came to.
+unsigned int TqDownload::Receive(Transfer& transfer, Receiver receive, void* user) {
+    unsigned int blocks = 0;
+    long long since = Now();
+    long long ticked = since + firstTimeout - betweenTicks;
+    while (true) {
+        const int state = transfer.Await(TimeLeft(since));
+        if (state == Transfer::ended) break;
+        if (state == Transfer::blockIsHere) {
+            ++blocks;
+            if (Take(transfer, receive, user) != complete) return result;
+            since = Now();
+            ticked = since + firstTimeout - betweenTicks;
+        }
+        if (IsOver(since)) break;
+        if (state == Transfer::blockIsHere) continue;
+        Watch(Now() - since + 1);
+        if (Now() - ticked > betweenTicks) {
+            ticked = Now();
+            transfer.Tick();
+        }
+    }
+    // After the last number, one more read has let the client tell the server.
+    const unsigned int outcome = result == complete ? transfer.result : result;
+    const bool isClients = outcome < cancelled || outcome == silent;
+    return blocks == mostBlocks && outcome != complete && isClients ? tooLarge : outcome;
+}
+
+unsigned int TqDownload::Take(Transfer& transfer, Receiver receive, void* user) {
+    if (mostBytes != 0 && bytes + transfer.length > mostBytes) return End(tooMany, nullptr);
+    errno = 0;
+    const bool isTaken = receive(user, transfer.block, transfer.length);
+    if (!isTaken) return End(refused, errno == 0 ? nullptr : std::strerror(errno));
+    bytes += transfer.length;
+    Watch(0);
+    transfer.GoOn();
+    return result;
+}
+
+unsigned int TqDownload::ToBuffer(TqBuffer& buffer) {
+    const unsigned int before = buffer.length;
+    const unsigned int position = buffer.readPosition;
+    auto append = [&buffer](const unsigned char* piece, unsigned int count) {
+        buffer.Append(piece, count);
+        return true;
+    };
+    if (ToFunction(append) == complete) return result;
+    buffer.TruncateAfter(before);
+    buffer.readPosition = position;
+    return result;
+}
+
+unsigned int TqDownload::ToFile(const char* path) {
+    Begin();
+    struct stat status;
+    const bool isPlain = stat(path, &status) != 0 || S_ISREG(status.st_mode);
+    const TqString target = isPlain ? TqString(path) + ".part" : TqString(path);
+    std::FILE* file = std::fopen(target.data, "we");
+    if (file == nullptr) return End(refused, std::strerror(errno));
+    auto write = [file](const unsigned char* piece, unsigned int count) {
+        return std::fwrite(piece, 1, count, file) == count;
+    };
+    ToFunction(write);
+    if (result == complete && !IsKept(file, isPlain)) End(refused, std::strerror(errno));
+    std::fclose(file);
+    if (!isPlain) return result;
+    if (result == complete && std::rename(target.data, path) != 0) {
+        End(refused, std::strerror(errno));
+    }
+    if (result != complete) std::remove(target.data);
+    return result;
+}
+
+// The server's words may hold anything; what a terminal might obey is not for people.
+void TqDownload::AppendText(TqString& text) const {
+    TqString shown(words);
+    for (char* c = shown.data; *c != '\0'; ++c) {
+        if (*c < ' ' || *c > '~') *c = '?';
+    }
+    text += TqTftpText(result, shown.data, result == late ? deadline : patience).data;
+}
