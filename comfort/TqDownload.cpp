@@ -25,6 +25,7 @@
 namespace {
 
 const unsigned int mostBlocks = 65535;
+const unsigned int blockSize = 512;
 
 // All times are milliseconds. How long the caller's thread waits before it looks around:
 const int lookAround = 200;
@@ -37,6 +38,9 @@ const long long betweenTicks = 1000;
 
 const int betweenStops = 5;
 
+// For how long blocks may gather before they are handed on.
+const int gathering = 5;
+
 // Ignored where nobody handles it, so that one too many does no harm.
 const int tickSignal = SIGURG;
 
@@ -46,63 +50,13 @@ long long Now() {
     return now.tv_sec * 1000LL + now.tv_nsec / 1000000;
 }
 
-// A state that two threads change and wait for: the one that fetches, never for long, and the other
-// one. Each has a condition of its own to wait for, which cannot wake the wrong one.
-class SharedState {
+// What two threads share: the one that fetches, which never waits for long, and the other one. Each
+// has a condition of its own to wait for, which cannot wake the wrong one.
+class Monitor {
 public:
-    explicit SharedState(int first) : state(first) {
-        pthread_mutex_init(&mutex, nullptr);
-        pthread_condattr_t attributes;
-        pthread_condattr_init(&attributes);
-        pthread_condattr_setclock(&attributes, CLOCK_MONOTONIC);
-        pthread_cond_init(&forFetching, &attributes);
-        pthread_cond_init(&forOther, &attributes);
-        pthread_condattr_destroy(&attributes);
-    }
-    ~SharedState() {
-        pthread_cond_destroy(&forFetching);
-        pthread_cond_destroy(&forOther);
-        pthread_mutex_destroy(&mutex);
-    }
-    SharedState(const SharedState&) = delete;
-    SharedState& operator=(const SharedState&) = delete;
-
-    // From one state to another. False, and nothing is changed, when it is not in that one.
-    bool Change(int from, int to) {
-        const Lock lock(mutex);
-        if (state != from) return false;
-        Take(to);
-        return true;
-    }
-
-    // From whatever state.
-    void Set(int to) {
-        const Lock lock(mutex);
-        Take(to);
-    }
-
-    // Waits until it is another one, for so long at most. Returns which it is.
-    int AwaitOther(int than, int milliseconds) {
-        const long long end = Now() + milliseconds;
-        timespec until = timespec();
-        until.tv_sec = static_cast<time_t>(end / 1000);
-        until.tv_nsec = static_cast<long>(end % 1000 * 1000000);
-        const Lock lock(mutex);
-        while (state == than && pthread_cond_timedwait(&forFetching, &mutex, &until) == 0) {
-        }
-        return state;
-    }
-
-    int AwaitOther(int than) {
-        const Lock lock(mutex);
-        while (state == than) pthread_cond_wait(&forOther, &mutex);
-        return state;
-    }
-
-private:
     class Lock {
     public:
-        explicit Lock(pthread_mutex_t& taken) : mutex(taken) { pthread_mutex_lock(&mutex); }
+        explicit Lock(Monitor& monitor) : mutex(monitor.mutex) { pthread_mutex_lock(&mutex); }
         ~Lock() { pthread_mutex_unlock(&mutex); }
         Lock(const Lock&) = delete;
         Lock& operator=(const Lock&) = delete;
@@ -111,16 +65,118 @@ private:
         pthread_mutex_t& mutex;
     };
 
-    void Take(int to) {
-        state = to;
-        pthread_cond_signal(&forFetching);
-        pthread_cond_signal(&forOther);
+    Monitor() {
+        pthread_mutex_init(&mutex, nullptr);
+        pthread_condattr_t attributes;
+        pthread_condattr_init(&attributes);
+        pthread_condattr_setclock(&attributes, CLOCK_MONOTONIC);
+        pthread_cond_init(&forFetching, &attributes);
+        pthread_cond_init(&forOther, &attributes);
+        pthread_condattr_destroy(&attributes);
+    }
+    ~Monitor() {
+        pthread_cond_destroy(&forFetching);
+        pthread_cond_destroy(&forOther);
+        pthread_mutex_destroy(&mutex);
+    }
+    Monitor(const Monitor&) = delete;
+    Monitor& operator=(const Monitor&) = delete;
+
+    // The rest while locked.
+
+    void WakeFetching() { pthread_cond_signal(&forFetching); }
+    void WakeOther() { pthread_cond_signal(&forOther); }
+    void AwaitFetching() { pthread_cond_wait(&forOther, &mutex); }
+
+    // Waits until `isSo`, for so long at most. Returns whether it is.
+    template <class Condition>
+    bool AwaitOther(int milliseconds, Condition isSo) {
+        const long long end = Now() + milliseconds;
+        timespec until = timespec();
+        until.tv_sec = static_cast<time_t>(end / 1000);
+        until.tv_nsec = static_cast<long>(end % 1000 * 1000000);
+        while (!isSo() && pthread_cond_timedwait(&forFetching, &mutex, &until) == 0) {
+        }
+        return isSo();
     }
 
-    int state;
+private:
     pthread_mutex_t mutex;
     pthread_cond_t forFetching;
     pthread_cond_t forOther;
+};
+
+// The blocks that the client's thread has read and the fetching one has not taken. A few at a time
+// change hands: to wake the other one takes as long as to read a block.
+class BlockQueue {
+public:
+    BlockQueue() {}
+    BlockQueue(const BlockQueue&) = delete;
+    BlockQueue& operator=(const BlockQueue&) = delete;
+
+    // The client's thread. False when it is to stop.
+    bool Put(const unsigned char* block, unsigned int length) {
+        const Monitor::Lock lock(monitor);
+        while (count == most && !isStopping) monitor.AwaitFetching();
+        if (isStopping) return false;
+        std::memcpy(blocks[filled][count], block, length);
+        lastLength = length;
+        ++count;
+        if (isAwaited || count >= most / 2) monitor.WakeFetching();
+        return true;
+    }
+
+    void End() {
+        const Monitor::Lock lock(monitor);
+        hasEnded = true;
+        monitor.WakeFetching();
+    }
+
+    // The fetching thread. What has come: so many blocks, all of which but the last are full. Waits
+    // for them, for so long at most, or for the end. They stay until the next call.
+    struct Taken {
+        const unsigned char (*blocks)[blockSize];
+        unsigned int count;
+        unsigned int lastLength;
+        bool areLast;
+    };
+
+    Taken Take(int milliseconds) {
+        const Monitor::Lock lock(monitor);
+        const int moment = milliseconds < gathering ? milliseconds : gathering;
+        monitor.AwaitOther(moment, [this] { return count >= most / 2 || hasEnded; });
+        isAwaited = true;
+        monitor.AwaitOther(milliseconds - moment, [this] { return count > 0 || hasEnded; });
+        isAwaited = false;
+        const Taken taken = {blocks[filled], count, lastLength, hasEnded};
+        filled = 1 - filled;
+        count = 0;
+        monitor.WakeOther();
+        return taken;
+    }
+
+    void Stop() {
+        const Monitor::Lock lock(monitor);
+        isStopping = true;
+        monitor.WakeOther();
+    }
+
+    bool AwaitEnd(int milliseconds) {
+        const Monitor::Lock lock(monitor);
+        return monitor.AwaitOther(milliseconds, [this] { return hasEnded; });
+    }
+
+private:
+    static const unsigned int most = 16;
+
+    Monitor monitor;
+    unsigned char blocks[2][most][blockSize];
+    unsigned int filled = 0;  // which of the two the client's thread fills
+    unsigned int count = 0;
+    unsigned int lastLength = 0;
+    bool isAwaited = false;  // the fetching thread waits for a single block
+    bool isStopping = false;
+    bool hasEnded = false;
 };
 
 // Starts a thread that the program's signals do not reach, but those of its own faults. Returns 0
@@ -142,9 +198,7 @@ int StartThread(pthread_t& thread, void* (*function)(void*), void* argument) {
 // enough leaves it behind, and the last one clears up.
 class Lookup {
 public:
-    enum State { asking, done };
-
-    explicit Lookup(const char* server) : state(asking), name(server) {}
+    explicit Lookup(const char* server) : name(server) {}
 
     // Returns 0 or what getaddrinfo says.
     int Ask(int flags) {
@@ -169,21 +223,33 @@ public:
     static void* Run(void* holder) {
         const std::unique_ptr<Holder> own(static_cast<Holder*>(holder));
         (*own)->Ask(0);
-        (*own)->state.Set(done);
+        (*own)->SetDone();
         return nullptr;
+    }
+
+    bool AwaitAnswer(int milliseconds) {
+        const Monitor::Lock lock(monitor);
+        return monitor.AwaitOther(milliseconds, [this] { return isDone; });
     }
 
     const char* Problem() const {
         return error == EAI_SYSTEM ? std::strerror(systemError) : gai_strerror(error);
     }
 
-    SharedState state;
     unsigned int address = 0;
     int error = 0;
 
 private:
+    void SetDone() {
+        const Monitor::Lock lock(monitor);
+        isDone = true;
+        monitor.WakeFetching();
+    }
+
     const TqString name;
     int systemError = 0;
+    Monitor monitor;
+    bool isDone = false;
 };
 
 // The client's socket is found by what is new among the descriptors after it was opened: the client
@@ -268,13 +334,10 @@ public:
 
 }  // namespace
 
-// One transfer of the client in a thread of its own, which waits after each block until it is told
-// to go on.
+// One transfer of the client in a thread of its own.
 class TqDownload::Transfer {
 public:
-    enum State { reading, blockIsHere, stopping, ended };
-
-    explicit Transfer(const TFTP_OPEN_STRUCT& wanted) : request(wanted), state(reading) {}
+    explicit Transfer(const TFTP_OPEN_STRUCT& wanted) : request(wanted) {}
 
     // However the caller leaves: neither thread nor client goes on.
     ~Transfer() {
@@ -292,17 +355,16 @@ public:
         return error;
     }
 
-    int Await(int milliseconds) { return state.AwaitOther(reading, milliseconds); }
-    void GoOn() { state.Change(blockIsHere, reading); }
+    BlockQueue::Taken Take(int milliseconds) { return queue.Take(milliseconds); }
 
     // Interrupts the client, which sends again what is due.
     void Tick() { pthread_kill(thread, tickSignal); }
 
     // Ends the thread, which must have been started.
     void Stop() {
-        if (!state.Change(reading, stopping)) state.Change(blockIsHere, stopping);
+        queue.Stop();
         // The client comes out of a receive only when that fails. Ticks get it there.
-        while (state.AwaitOther(stopping, betweenStops) == stopping) {
+        while (!queue.AwaitEnd(betweenStops)) {
             Deafen();
             Tick();
         }
@@ -310,8 +372,6 @@ public:
         isStarted = false;
     }
 
-    const unsigned char* block = nullptr;
-    unsigned int length = 0;
     unsigned int result = 0;
     int openError = 0;  // errno, where opening failed
 
@@ -319,7 +379,7 @@ private:
     static void* Run(void* transfer) {
         Transfer* own = static_cast<Transfer*>(transfer);
         own->result = own->Work();
-        own->state.Set(ended);
+        own->queue.End();
         return nullptr;
     }
 
@@ -327,18 +387,13 @@ private:
         const unsigned int opened = Open();
         if (opened != 0) return opened;
         while (TFTP_eof() == 0) {
-            block = TFTP_read(&length);
+            unsigned int length = 0;
+            const unsigned char* const block = TFTP_read(&length);
             if (block == nullptr) return length;
-            if (!HandOver()) break;
+            if (!queue.Put(block, length)) break;
         }
         TFTP_close();
         return 0;
-    }
-
-    // False when it is to stop.
-    bool HandOver() {
-        if (!state.Change(reading, blockIsHere)) return false;
-        return state.AwaitOther(blockIsHere) == reading;
     }
 
     // Opens the transfer, and its socket a second time. Where another thread has opened a socket
@@ -378,7 +433,7 @@ private:
     }
 
     TFTP_OPEN_STRUCT request;
-    SharedState state;
+    BlockQueue queue;
     const TickHandler handler;
     pthread_t thread = pthread_t();
     bool isStarted = false;
@@ -466,7 +521,7 @@ unsigned int TqDownload::AwaitAddress() {
     if (error != 0) return End(noThread, std::strerror(error));
     static_cast<void>(threads.release());
     pthread_detach(thread);
-    while (lookup->state.AwaitOther(Lookup::asking, TimeLeft(begun)) != Lookup::done) {
+    while (!lookup->AwaitAnswer(TimeLeft(begun))) {
         if (!IsOver(begun)) continue;
         return result == silent ? End(silent, "no answer from the name service") : result;
     }
@@ -517,16 +572,20 @@ unsigned int TqDownload::Receive(Transfer& transfer, Receiver receive, void* use
     long long since = Now();
     long long ticked = since + firstTimeout - betweenTicks;
     while (true) {
-        const int state = transfer.Await(TimeLeft(since));
-        if (state == Transfer::ended) break;
-        if (state == Transfer::blockIsHere) {
+        const BlockQueue::Taken taken = transfer.Take(TimeLeft(since));
+        for (unsigned int i = 0; i < taken.count; ++i) {
+            const unsigned int length = i + 1 < taken.count ? blockSize : taken.lastLength;
+            if (Take(taken.blocks[i], length, receive, user) != complete) return result;
             ++blocks;
-            if (Take(transfer, receive, user) != complete) return result;
             since = Now();
+            if (IsOver(since)) return result;
+        }
+        if (taken.areLast) break;
+        if (taken.count > 0) {
             ticked = since + firstTimeout - betweenTicks;
+            continue;
         }
         if (IsOver(since)) break;
-        if (state == Transfer::blockIsHere) continue;
         Watch(Now() - since + 1);
         if (Now() - ticked > betweenTicks) {
             ticked = Now();
@@ -539,14 +598,14 @@ unsigned int TqDownload::Receive(Transfer& transfer, Receiver receive, void* use
     return blocks == mostBlocks && outcome != complete && isClients ? tooLarge : outcome;
 }
 
-unsigned int TqDownload::Take(Transfer& transfer, Receiver receive, void* user) {
-    if (mostBytes != 0 && bytes + transfer.length > mostBytes) return End(tooMany, nullptr);
+unsigned int TqDownload::Take(const unsigned char* block, unsigned int length, Receiver receive,
+                              void* user) {
+    if (mostBytes != 0 && bytes + length > mostBytes) return End(tooMany, nullptr);
     errno = 0;
-    const bool isTaken = receive(user, transfer.block, transfer.length);
+    const bool isTaken = receive(user, block, length);
     if (!isTaken) return End(refused, errno == 0 ? nullptr : std::strerror(errno));
-    bytes += transfer.length;
+    bytes += length;
     Watch(0);
-    transfer.GoOn();
     return result;
 }
 

@@ -112,7 +112,8 @@ private:
     unsigned int AwaitAddress();
     unsigned int Fetch(Receiver receive, void* user);
     unsigned int Receive(Transfer& transfer, Receiver receive, void* user);
-    unsigned int Take(Transfer& transfer, Receiver receive, void* user);
+    unsigned int Take(const unsigned char* block, unsigned int length, Receiver receive,
+                      void* user);
     unsigned int AwaitTurn();
     void Watch(long long silence) const;
 

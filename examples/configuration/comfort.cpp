@@ -1,5 +1,6 @@
 // The configuration program with the typed interface: the same as plain.cpp and standard.cpp.
 #include <Tq.h>
+#include <TqDownload.h>
 
 #include <cstdio>
 
@@ -37,6 +38,15 @@ static TqRef<Device> Made(const char* line) {
     }
     device->name = name;
     return device;
+}
+
+static bool Fetch(const char* server, const char* name, const char* path) {
+    TqDownload download(server, name);
+    if (download.ToFile(path) == TqDownload::complete) return true;
+    TqString reason;
+    download.AppendText(reason);
+    std::printf("%s: %s\n", name, reason.data);
+    return false;
 }
 
 static void Load(const char* path, TqRefList<Device>& devices) {
@@ -96,11 +106,13 @@ static void Change(const TqRefList<Device>& devices) {
     std::printf("%u changes\n", changes);
 }
 
-int main(int, char** arguments) {
+// The file; or its name at a server, the server, and the file to put it into.
+int main(int count, char** arguments) {
+    if (count > 3 && !Fetch(arguments[2], arguments[1], arguments[3])) return 1;
     TqRegisterClass<Port>();
     TqRegisterClass<Gauge>();
     TqRefList<Device> devices;
-    Load(arguments[1], devices);
+    Load(arguments[count > 3 ? 3 : 1], devices);
     ShowNames(devices);
     Transfer(devices);
     ShowRows(devices);

@@ -9,6 +9,11 @@
 #include <TqIpAddress.h>
 #include <TqSnmpOid.h>
 #include <TqSortedStringList.h>
+#include <TqTftp.h>
+#include <arpa/inet.h>
+#include <signal.h>
+#include <sys/time.h>
+#include <unistd.h>
 
 #include <cctype>
 #include <cerrno>
@@ -75,6 +80,47 @@ static TqRef<Device> Made(const char* line) {
 
 static Device* DeviceIn(const TqRefList<Device>& devices, unsigned int index) {
     return static_cast<Device*>(static_cast<TqBaseObject*>(devices.slots[index]));
+}
+
+// Interrupts the client's receive, so that it sends again; nothing else ends it.
+static volatile sig_atomic_t secondsLeft;
+
+extern "C" void Tick(int) {
+    if (--secondsLeft <= 0) _exit(1);
+}
+
+static void TickEvery(time_t seconds) {
+    struct sigaction action = {};
+    action.sa_handler = Tick;
+    sigaction(SIGALRM, &action, nullptr);
+    const itimerval interval = {{seconds, 0}, {seconds, 0}};
+    setitimer(ITIMER_REAL, &interval, nullptr);
+}
+
+static unsigned int Read(const char* server, const char* name, std::FILE* file) {
+    TFTP_OPEN_STRUCT request = {inet_addr(server), name, "octet"};
+    const unsigned int opened = TFTP_open(&request);
+    if (opened != 0) return opened;
+    while (TFTP_eof() == 0) {
+        unsigned int length;
+        const unsigned char* bytes = TFTP_read(&length);
+        if (bytes == nullptr) return length;
+        secondsLeft = 30;
+        std::fwrite(bytes, 1, length, file);
+    }
+    return TFTP_close();
+}
+
+static bool Fetch(const char* server, const char* name, const char* path) {
+    std::FILE* file = std::fopen(path, "w");
+    if (file == nullptr) return false;
+    secondsLeft = 30;
+    TickEvery(1);
+    const unsigned int result = Read(server, name, file);
+    TickEvery(0);
+    if (std::fclose(file) == 0 && result == 0) return true;
+    std::printf("%s: error 0x%x\n", name, result);
+    return false;
 }
 
 static void Load(const char* path, TqRefList<Device>& devices) {
@@ -162,11 +208,13 @@ static void Change(const TqRefList<Device>& devices) {
     std::printf("%u changes\n", changes);
 }
 
-int main(int, char** arguments) {
+// The file; or its name at a server, the server, and the file to put it into.
+int main(int count, char** arguments) {
+    if (count > 3 && !Fetch(arguments[2], arguments[1], arguments[3])) return 1;
     TqRegisterClass<Port>();
     TqRegisterClass<Gauge>();
     TqRefList<Device> devices;
-    Load(arguments[1], devices);
+    Load(arguments[count > 3 ? 3 : 1], devices);
     ShowNames(devices);
     Transfer(devices);
     ShowRows(devices);

@@ -1,4 +1,9 @@
 // The configuration program with the standard library: the same as plain.cpp and comfort.cpp.
+#include <arpa/inet.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <unistd.h>
+
 #include <cstdint>
 #include <fstream>
 #include <functional>
@@ -88,6 +93,53 @@ static std::shared_ptr<Device> Made(const std::string& line) {
     return device;
 }
 
+// One packet and what answers it, a few times. The answer's length, 0 when there is none.
+static std::size_t Ask(int socket, const std::string& packet, sockaddr_in& server, char* answer) {
+    for (int attempts = 0; attempts < 8; ++attempts) {
+        socklen_t length = sizeof server;
+        sockaddr* const address = reinterpret_cast<sockaddr*>(&server);
+        sendto(socket, packet.data(), packet.size(), 0, address, length);
+        const ssize_t count = recvfrom(socket, answer, 516, 0, address, &length);
+        if (count >= 4) return static_cast<std::size_t>(count);
+    }
+    return 0;
+}
+
+static bool Read(int socket, sockaddr_in& server, const std::string& name, std::ostream& file) {
+    std::string packet = std::string("\0\1", 2) + name + '\0' + "octet" + '\0';
+    char answer[516];
+    for (std::uint16_t block = 1;; ++block) {
+        const char number[] = {static_cast<char>(block >> 8), static_cast<char>(block)};
+        std::size_t length;
+        do {
+            length = Ask(socket, packet, server, answer);
+            if (length == 0 || answer[1] != 3) return false;
+        } while (answer[2] != number[0] || answer[3] != number[1]);
+        file.write(answer + 4, static_cast<std::streamsize>(length - 4));
+        packet = std::string("\0\4", 2) + std::string(number, 2);
+        if (length < 516) {
+            sendto(socket, packet.data(), 4, 0, reinterpret_cast<sockaddr*>(&server),
+                   sizeof server);
+            return true;
+        }
+    }
+}
+
+static bool Fetch(const char* host, const char* name, const char* path) {
+    sockaddr_in server = sockaddr_in();
+    server.sin_family = AF_INET;
+    server.sin_port = htons(69);
+    server.sin_addr.s_addr = inet_addr(host);
+    const timeval patience = {4, 0};
+    const int socket = ::socket(AF_INET, SOCK_DGRAM, 0);
+    setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    std::ofstream file(path);
+    const bool isComplete = Read(socket, server, name, file) && file.flush();
+    close(socket);
+    if (!isComplete) std::cout << name << ": not fetched\n";
+    return isComplete;
+}
+
 static void Load(const char* path, Devices& devices) {
     std::ifstream file(path);
     for (std::string line; std::getline(file, line);) {
@@ -141,9 +193,11 @@ static void Change(const Devices& devices) {
     std::cout << changes << " changes\n";
 }
 
-int main(int, char** arguments) {
+// The file; or its name at a server, the server, and the file to put it into.
+int main(int count, char** arguments) {
+    if (count > 3 && !Fetch(arguments[2], arguments[1], arguments[3])) return 1;
     Devices devices;
-    Load(arguments[1], devices);
+    Load(arguments[count > 3 ? 3 : 1], devices);
     ShowNames(devices);
     Transfer(devices);
     ShowRows(devices);
