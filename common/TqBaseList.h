@@ -90,7 +90,7 @@ TQ_BASE_LIST_BODY void TqBaseList::RemoveSlot(unsigned int index) {
 }
 
 TQ_BASE_LIST_BODY void TqBaseList::InsertSlot(unsigned int index, void* item) {
-    if (__builtin_expect(item == nullptr, 0)) {
+    if (item == nullptr) {
         TqCallAssert("TqBaseList", __LINE__);
         return;
     }

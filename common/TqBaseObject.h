@@ -80,40 +80,35 @@ TQ_API TqBaseObject* TqBaseObjectNewFunc();
 #endif
 #ifdef TQ_BASE_OBJECT_BODY
 
-#define TQ_REPORT_COUNT_IF(broken) \
-    if (__builtin_expect(broken, 0)) TqCallAssert("TqBaseObject", __LINE__)
-
 // The checks are unlocked reads, and no failure keeps the count from changing.
 
 TQ_BASE_OBJECT_BODY TQ_READS_ANY_OBJECT void TqBaseObject::IncrementRefCount(TqBaseObject* obj,
                                                                              unsigned int seq) {
     if (obj == nullptr) return;
-    TQ_REPORT_COUNT_IF(obj->destroying != 0);
-    TQ_REPORT_COUNT_IF(obj->self != obj);
-    TQ_REPORT_COUNT_IF(obj->seqNum != seq);
-    TQ_REPORT_COUNT_IF(obj->objectMutex.Lock() != 0);
+    if (obj->destroying != 0) TqCallAssert("TqBaseObject", __LINE__);
+    if (obj->self != obj) TqCallAssert("TqBaseObject", __LINE__);
+    if (obj->seqNum != seq) TqCallAssert("TqBaseObject", __LINE__);
+    if (obj->objectMutex.Lock() != 0) TqCallAssert("TqBaseObject", __LINE__);
     ++obj->refCount;
-    TQ_REPORT_COUNT_IF(obj->objectMutex.Unlock() != 0);
+    if (obj->objectMutex.Unlock() != 0) TqCallAssert("TqBaseObject", __LINE__);
 }
 
 TQ_BASE_OBJECT_BODY TQ_READS_ANY_OBJECT int TqBaseObject::DecrementRefCount(TqBaseObject* obj,
                                                                             unsigned int seq) {
     if (obj == nullptr) return 0;
-    TQ_REPORT_COUNT_IF(obj->destroying != 0);
-    TQ_REPORT_COUNT_IF(obj->self != obj);
-    TQ_REPORT_COUNT_IF(obj->seqNum != seq);
-    TQ_REPORT_COUNT_IF(obj->objectMutex.Lock() != 0);
+    if (obj->destroying != 0) TqCallAssert("TqBaseObject", __LINE__);
+    if (obj->self != obj) TqCallAssert("TqBaseObject", __LINE__);
+    if (obj->seqNum != seq) TqCallAssert("TqBaseObject", __LINE__);
+    if (obj->objectMutex.Lock() != 0) TqCallAssert("TqBaseObject", __LINE__);
     // Only exactly 0 deletes. A count that was below it already came from one drop too many, and to
     // delete then would be to delete twice.
     const bool last = --obj->refCount == 0;
     if (last) obj->destroying = 1;
-    TQ_REPORT_COUNT_IF(obj->objectMutex.Unlock() != 0);
+    if (obj->objectMutex.Unlock() != 0) TqCallAssert("TqBaseObject", __LINE__);
     // Only after the unlock: the mutex goes with the object.
     if (last) delete obj;
     return last ? 1 : 0;
 }
-
-#undef TQ_REPORT_COUNT_IF
 
 #endif
 
