@@ -9,13 +9,13 @@
 
 #include <algorithm>
 
-#include "Json.h"
-#include "Notifier.h"
-#include "PassPersist.h"
-#include "Report.h"
 #include "TqClassRegistry.h"
 #include "TqDevelopmentAssert.h"
-#include "Watch.h"
+#include "views/Json.h"
+#include "views/Notifier.h"
+#include "views/PassPersist.h"
+#include "views/Report.h"
+#include "views/Watch.h"
 
 namespace {
 

@@ -19,8 +19,8 @@ agentAddress udp:$address
 rocommunity public 127.0.0.1
 pass_persist .1.3.6.1.2.1.2.2 $*
 END
-MIBS='' SNMP_PERSISTENT_DIR=$room/kept \
-    snmpd -f -Lo -C -c "$room/snmpd.conf" -I -ifTable,ifXTable >"$room/log" 2>&1 &
+export SNMP_PERSISTENT_DIR="$room/kept"
+MIBS='' snmpd -f -Lo -C -c "$room/snmpd.conf" -I -ifTable,ifXTable >"$room/log" 2>&1 &
 daemon=$!
 
 # manager TOOL ARGUMENT...

@@ -15,7 +15,7 @@
 #include <unistd.h>
 
 #include "TqDevelopmentAssert.h"
-#include "ifagent/Report.h"
+#include "views/Report.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Every lock and unlock that the library makes, failing: what is reported, by whom, and that the
-// operation goes on. Built with the platform of tests/support/faults only (preset `faults`).
+// operation goes on. Built with the platform of tests/support/faults only (preset `coverage`).
 
 #include <gtest/gtest.h>
 

@@ -28,6 +28,8 @@ def parse(output):
     for line in output.splitlines():
         identifier, _, value = line.partition(" = ")
         name, _, index = identifier.partition("::")[2].partition(".")
+        if not index.isdigit():
+            raise SystemExit(f"no cell: {line}")
         cells.append((name, int(index), value))
     return cells
 

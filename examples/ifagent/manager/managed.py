@@ -48,6 +48,8 @@ def enter_own_network(*tools):
             skip("no network namespace of its own")
         os.environ["IN_OWN_NETWORK"] = "yes"
         os.execvp("unshare", unshare + [sys.executable] + sys.argv)
+    # Clients at the same time would complain of each other's file there.
+    os.environ["SNMP_PERSISTENT_DIR"] = room()
     run("ip", "link", "set", "lo", "up")
 
 
