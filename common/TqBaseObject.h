@@ -75,7 +75,7 @@ public:
 /// The factory of `TqBaseObject`: null, a bare base object is never made by name.
 TQ_API TqBaseObject* TqBaseObjectNewFunc();
 
-#if !defined(TQ_BASE_OBJECT_BODY) && defined(TQ_COMPILED_IN)
+#if !defined(TQ_BASE_OBJECT_BODY) && defined(TQ_COMPILED_IN) && defined(TQ_LINUX_MUTEX_INLINE)
 #define TQ_BASE_OBJECT_BODY TQ_COMPILED_IN
 #endif
 #ifdef TQ_BASE_OBJECT_BODY

@@ -18,7 +18,8 @@
 /// those that take its address, and for compilers that do not know this. Such a body stands in the
 /// header, and the class's own source defines the operation from it. Code that is built for size
 /// calls it.
-#if defined(__GNUC__) && !defined(__clang__) && defined(__OPTIMIZE__) && !defined(__OPTIMIZE_SIZE__)
+#if defined(__GNUC__) && !defined(__clang__) && !defined(__NO_INLINE__) && \
+    !defined(__OPTIMIZE_SIZE__)
 #define TQ_COMPILED_IN inline __attribute__((gnu_inline))
 #endif
 
