@@ -17,17 +17,19 @@ TqClassInfo* HeldInfo(const ClassList& list, unsigned int index) {
     return static_cast<TqClassInfo*>(static_cast<TqBaseObject*>(TqItemIn(list, index)));
 }
 
-// A name that is looked for. Its end and its last character are compared first: classes that begin
-// alike are told apart there, and most names are passed over without a call.
+// A name that is looked for. It is compared from its end, without a call: classes that begin alike
+// are told apart there.
 class WantedName {
 public:
     explicit WantedName(const char* name) : text(name), length(std::strlen(name)) {}
 
     bool Is(const TqString& name) const {
-        if (name.length < length || name.data[length] != '\0') return false;
-        if (length == 0) return true;
-        return name.data[length - 1] == text[length - 1] &&
-               std::memcmp(name.data, text, length - 1) == 0;
+        if (length >= name.capacity) return std::strcmp(name.data, text) == 0;
+        std::size_t i = length;
+        while (name.data[i] == text[i]) {
+            if (i-- == 0) return true;
+        }
+        return false;
     }
 
 private:

@@ -70,6 +70,11 @@ void Parse(TqSnmpOid& oid, const char* text) {
     } while (*text++ != '\0');
 }
 
+__attribute__((noinline, cold)) short FirstTypeId() {
+    TqDataType::NextId(&TqSnmpOid::typeId);
+    return TqSnmpOid::typeId;
+}
+
 template <unsigned int count>
 bool BeginsWith(const TqSnmpOid& oid, const unsigned int (&subtree)[count]) {
     if (oid.count < count) return false;
@@ -183,8 +188,7 @@ bool TqSnmpOid::IsMalvick() const {
 }
 
 short TqSnmpOid::TypeId() const {
-    if (typeId == 0) NextId(&typeId);
-    return typeId;
+    return typeId != 0 ? typeId : FirstTypeId();
 }
 
 TqDataType* TqSnmpOid::Clone() const {
@@ -192,7 +196,8 @@ TqDataType* TqSnmpOid::Clone() const {
 }
 
 void TqSnmpOid::ToString(TqString& out) const {
-    out = "";
+    // The string's own, and not that of a derived one: it is as much as assigning the empty text.
+    out.TqString::Empty();
     for (unsigned int i = 0; i < count; ++i) {
         if (i != 0) out.AppendChar('.');
         // As a signed number: the peers of these texts parse the large ones that way.

@@ -52,6 +52,16 @@ enum Extent {
     measured   // there are as many, and none is a NUL
 };
 
+// Applications set fields by hand: a length that the storage cannot have is only a promise.
+Extent ExtentOf(const TqString& string) {
+    return string.length <= string.capacity ? held : promised;
+}
+
+// How many characters of the storage may be other than NUL.
+unsigned int UsedPart(const TqString& string) {
+    return string.length < string.capacity ? string.length : string.capacity;
+}
+
 // Short areas are copied and cleared word by word: calls would take longer.
 const unsigned int shortText = 128;
 
@@ -64,15 +74,31 @@ void ZeroShortArea(char* area, unsigned int count) {
     for (; count > 0; --count) *area++ = '\0';
 }
 
+// All of it: programs compare and send the area as it lies there.
+void ZeroInside(TqString& string) {
+    const unsigned int last = sizeof string.internalData - 1;
+    const Word zero = 0;
+    for (unsigned int i = 0; i < last; i += sizeof zero) {
+        std::memcpy(string.internalData + i, &zero, sizeof zero);
+    }
+    string.internalData[last] = '\0';
+}
+
+static_assert((sizeof TqString::internalData - 1) % sizeof(Word) == 0, "");
+
 // Copies the text up to its first NUL or `count` characters, and tells how many those were. It does
-// not overlap its new place.
+// not overlap its new place. The last word goes back over the one before it.
 unsigned int CopyShortText(char* to, const char* text, unsigned int count, Extent extent) {
-    const unsigned int readable = extent == promised ? 0 : count;
     unsigned int i = 0;
-    for (Word word; i + sizeof word <= readable; i += sizeof word) {
-        std::memcpy(&word, text + i, sizeof word);
-        if (HasZeroByte(word)) break;
-        std::memcpy(to + i, &word, sizeof word);
+    if (extent != promised && count >= sizeof(Word)) {
+        const unsigned int last = count - static_cast<unsigned int>(sizeof(Word));
+        for (Word word;; i += sizeof word) {
+            if (i > last) i = last;
+            std::memcpy(&word, text + i, sizeof word);
+            if (HasZeroByte(word)) break;
+            std::memcpy(to + i, &word, sizeof word);
+            if (i == last) return count;
+        }
     }
     for (; i < count && text[i] != '\0'; ++i) to[i] = text[i];
     return i;
@@ -114,8 +140,7 @@ void TakeBlock(TqString& string, char* block, unsigned int count) {
 
 // What the constructors share: the storage is chosen from nothing.
 void Construct(TqString& string, const char* text, unsigned int count, Extent extent) {
-    // All of it: programs compare and send the area as it lies there.
-    std::memset(string.internalData, 0, sizeof string.internalData);
+    ZeroInside(string);
     if (count > constructedInside) {
         TakeBlock(string, NewBlock(text, count, extent), count);
         return;
@@ -135,12 +160,12 @@ void Assign(TqString& string, const char* text, unsigned int count, Extent exten
         TakeBlock(string, block, count);
         return;
     }
+    const unsigned int used = UsedPart(string);
     if (IsInternal(string) && !TqLiesIn(text, string.internalData, sizeof string.internalData)) {
-        const unsigned int end = count > string.length ? count : string.length;
-        CopyAndFill(string.internalData, text, count, extent, end);
+        CopyAndFill(string.internalData, text, count, extent, count > used ? count : used);
     } else {
         CopyText(string.data, text, count);
-        if (string.length > count) std::memset(string.data + count, 0, string.length - count);
+        if (used > count) std::memset(string.data + count, 0, used - count);
     }
     string.length = count;
 }
@@ -164,18 +189,15 @@ void Grow(TqString& string, unsigned int length) {
     string.capacity = capacity;
 }
 
-// Appends characters that do not lie in a block that growing moves. As few as a number has are
-// copied one by one, which takes less than a call.
-void AppendText(TqString& string, const char* text, unsigned int count) {
+// Makes room for `count` more characters and returns where they go.
+char* PlaceFor(TqString& string, unsigned int count) {
     Grow(string, string.length + count);
-    char* place = string.data + string.length;
-    if (count <= tqMostDigits) {
-        for (unsigned int i = 0; i < count; ++i) place[i] = text[i];
-    } else {
-        std::memmove(place, text, count);
-    }
-    place[count] = '\0';
+    return string.data + string.length;
+}
+
+void CountAppended(TqString& string, unsigned int count) {
     string.length += count;
+    string.data[string.length] = '\0';
 }
 
 }  // namespace
@@ -198,7 +220,7 @@ TqString::TqString(const char* text, unsigned int count) : data(nullptr), length
 }
 
 TqString::TqString(const TqString& other) : TqDataType(other) {
-    Construct(*this, other.data, other.length, held);
+    Construct(*this, other.data, other.length, ExtentOf(other));
 }
 
 TqString::~TqString() {
@@ -252,7 +274,8 @@ TqString& TqString::operator+=(const char* text) {
         Grow(*this, length + count);
         text = data + offset;
     }
-    AppendText(*this, text, count);
+    std::memmove(PlaceFor(*this, count), text, count);
+    CountAppended(*this, count);
     return *this;
 }
 
@@ -263,27 +286,26 @@ TqString TqString::operator+(const char* text) const {
 }
 
 void TqString::AppendCounter(unsigned int value) {
-    // One digit is what most numbers of identifiers have.
-    if (value < 10) {
-        AppendChar(static_cast<char>('0' + value));
-        return;
-    }
-    char digits[tqMostDigits];
-    const char* first = TqPutDigits(digits + sizeof digits, value);
-    AppendText(*this, first, static_cast<unsigned int>(digits + sizeof digits - first));
+    const unsigned int digits = TqCountDigits(value);
+    TqPutDigits(PlaceFor(*this, digits) + digits, value);
+    CountAppended(*this, digits);
 }
 
 void TqString::AppendNumber(int value) {
-    if (value >= 0) {
-        AppendCounter(static_cast<unsigned int>(value));
-        return;
+    unsigned int digits = static_cast<unsigned int>(value);
+    if (value < 0) {
+        AppendChar('-');
+        digits = 0u - digits;
+        // The negation of -2147483648 is still negative and counts as nothing: the text "-0" is
+        // kept, peers know it.
+        if (digits > 0x7FFFFFFFu) digits = 0;
     }
-    AppendChar('-');
-    const unsigned int negated = 0u - static_cast<unsigned int>(value);
-    // The negation of -2147483648 is still negative and counts as nothing: the text "-0" is kept,
-    // peers know it.
-    const bool stillNegative = negated > 0x7FFFFFFFu;
-    AppendCounter(stillNegative ? 0u : negated);
+    // One digit is what most numbers of identifiers have.
+    if (digits < 10) {
+        AppendChar(static_cast<char>('0' + digits));
+    } else {
+        AppendCounter(digits);
+    }
 }
 
 void TqString::AppendFloat(float value, unsigned char precision) {
@@ -366,7 +388,7 @@ bool TqString::Equals(const TqDataType* other) const {
 
 void TqString::Assignment(const TqDataType& other) {
     const TqString& string = TqTakenAs<TqString>(other);
-    Assign(*this, string.data, string.length, held);
+    Assign(*this, string.data, string.length, ExtentOf(string));
 }
 
 unsigned int TqString::Length() const {
@@ -379,10 +401,11 @@ void TqString::Free() {
 
 // What assigning the empty text does, which always fits.
 void TqString::Empty() {
+    const unsigned int used = UsedPart(*this);
     if (IsInternal(*this)) {
-        ZeroShortArea(data, length);
+        ZeroShortArea(data, used);
     } else {
-        std::memset(data, 0, length);
+        std::memset(data, 0, used);
     }
     *data = '\0';
     length = 0;

@@ -16,6 +16,13 @@ inline unsigned int TqDigitOf(char c) {
 /// How many digits a number has at most.
 const unsigned int tqMostDigits = 10;
 
+/// How many digits `value` has.
+inline unsigned int TqCountDigits(unsigned int value) {
+    unsigned int digits = 1;
+    for (unsigned int limit = 10; digits < tqMostDigits && value >= limit; limit *= 10) ++digits;
+    return digits;
+}
+
 /// The two digits of each number below 100, one behind the other.
 extern const char tqDigitPairs[];
 
