@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 const char ownName[] = "tqcommon";
+const char floorName[] = "the stated steps";
 
 std::vector<Duty>& Duties() {
     static std::vector<Duty> duties;

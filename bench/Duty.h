@@ -33,6 +33,10 @@ struct RegisterDuty {
 /// The name of this library among the contestants.
 extern const char ownName[];
 
+/// And of what does only what is stated of this library's storage and calls, and nothing else: the
+/// least that a duty takes here.
+extern const char floorName[];
+
 /// What a program is asked to measure, as it stands in its arguments: "DUTY:SIZE".
 struct Request {
     std::string duty;

@@ -1,5 +1,6 @@
 // Lists, chains, and what is found in lists: this library and the standard library.
 
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <memory>
@@ -17,11 +18,59 @@ namespace {
 
 int item;
 
+// An array that grows by 16 entries, and whose items move on their own.
+class Stated {
+public:
+    Stated() : capacity(16), count(0), slots(static_cast<void**>(std::malloc(Size()))) {}
+    Stated(const Stated&) = delete;
+    Stated& operator=(const Stated&) = delete;
+    ~Stated() { std::free(slots); }
+
+    void Insert(unsigned int index, void* inserted) {
+        ++count;
+        if (count == capacity) Grow();
+        if (count > index) {
+            std::memmove(slots + index + 1, slots + index, (count - index) * sizeof(void*));
+        }
+        slots[index] = inserted;
+    }
+
+    void Remove(unsigned int index) {
+        if (index != count) {
+            std::memmove(slots + index, slots + index + 1, (count - index) * sizeof(void*));
+        }
+        --count;
+    }
+
+private:
+    std::size_t Size() const { return (std::size_t(capacity) + 1) * sizeof(void*); }
+
+    __attribute__((noinline)) void Grow() {
+        capacity += 16;
+        slots = static_cast<void**>(std::realloc(slots, Size()));
+    }
+
+public:
+    unsigned int capacity;
+    unsigned int count;
+    void** slots;
+};
+
 const RegisterDuty appendOwn("list_append", ownName, [](unsigned int size) -> Work {
     return [size](unsigned int times) {
         for (; times > 0; --times) {
             TqBaseList list;
             for (unsigned int i = 0; i < size; ++i) list.InsertSlot(list.count + 1, &item);
+            Keep(list);
+        }
+    };
+});
+
+const RegisterDuty appendStated("list_append", floorName, [](unsigned int size) -> Work {
+    return [size](unsigned int times) {
+        for (; times > 0; --times) {
+            Stated list;
+            for (unsigned int i = 0; i < size; ++i) list.Insert(list.count + 1, &item);
             Keep(list);
         }
     };
@@ -47,6 +96,16 @@ const RegisterDuty frontOwn("list_front", ownName, [](unsigned int size) -> Work
     };
 });
 
+const RegisterDuty frontStated("list_front", floorName, [](unsigned int size) -> Work {
+    return [size](unsigned int times) {
+        for (; times > 0; --times) {
+            Stated list;
+            for (unsigned int i = 0; i < size; ++i) list.Insert(1, &item);
+            Keep(list);
+        }
+    };
+});
+
 const RegisterDuty frontStd("list_front", "std::vector", [](unsigned int size) -> Work {
     return [size](unsigned int times) {
         for (; times > 0; --times) {
@@ -65,6 +124,19 @@ const RegisterDuty removeOwn("list_remove", ownName, [](unsigned int size) -> Wo
         for (; times > 0; --times) {
             own.count = size;
             for (unsigned int i = 0; i < size; ++i) own.RemoveSlot(1);
+            Keep(own);
+        }
+    };
+});
+
+const RegisterDuty removeStated("list_remove", floorName, [](unsigned int size) -> Work {
+    const auto list = std::make_shared<Stated>();
+    for (unsigned int i = 0; i < size; ++i) list->Insert(1, &item);
+    return [size, list](unsigned int times) {
+        Stated& own = *list;
+        for (; times > 0; --times) {
+            own.count = size;
+            for (unsigned int i = 0; i < size; ++i) own.Remove(1);
             Keep(own);
         }
     };

@@ -1,9 +1,7 @@
 // Counts, handles and objects: this library, the standard library, and the mutexes that this
 // library must take, alone.
 
-#include <cstdlib>
 #include <memory>
-#include <new>
 #include <vector>
 
 #include "Duty.h"
@@ -59,18 +57,39 @@ void CopyAndDropOfMutexes(Lockable& object, Lockable& other) {
     Keep(own);
 }
 
+// An object and a handle whose constructors and destructors are functions, the latter virtual.
+class StatedObject : public Lockable {
+public:
+    __attribute__((noinline)) StatedObject() : self(this) {}
+    __attribute__((noinline)) virtual ~StatedObject() { self = nullptr; }
+
+private:
+    StatedObject* volatile self;
+};
+
+class StatedHandle {
+public:
+    __attribute__((noinline)) explicit StatedHandle(StatedObject* taken) : object(taken) {
+        mutex.Lock();
+        CountUnderMutex(*object, 1);
+        mutex.Unlock();
+    }
+
+    __attribute__((noinline)) virtual ~StatedHandle() {
+        mutex.Lock();
+        CountUnderMutex(*object, -1);
+        delete object;
+        mutex.Unlock();
+    }
+
+private:
+    StatedObject* object;
+    TqLinuxMutex mutex;
+};
+
 void MakeAndDropOfMutexes() {
-    Lockable* object = new (std::malloc(sizeof(TqBaseObject))) Lockable;
-    Lockable own;
-    own.mutex.Lock();
-    CountUnderMutex(*object, 1);
-    own.mutex.Unlock();
-    own.mutex.Lock();
-    CountUnderMutex(*object, -1);
-    object->~Lockable();
-    std::free(object);
-    own.mutex.Unlock();
-    Keep(own);
+    const StatedHandle held(new StatedObject);
+    Keep(held);
 }
 
 const RegisterDuty countOwn("count", ownName, [](unsigned int size) -> Work {
@@ -160,7 +179,7 @@ const RegisterDuty objectStd("object", "std::make_shared", [](unsigned int size)
     };
 });
 
-const RegisterDuty objectFloor("object", "the mutexes and malloc", [](unsigned int size) -> Work {
+const RegisterDuty objectFloor("object", "the mutexes and new", [](unsigned int size) -> Work {
     if (size != 1) return Work();
     return [](unsigned int times) {
         for (; times > 0; --times) MakeAndDropOfMutexes();

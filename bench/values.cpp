@@ -168,6 +168,42 @@ const RegisterDuty oidCompareOwn("oid_compare", ownName, [](unsigned int size) -
     };
 });
 
+// Both are asked for their type; then the numbers are compared one by one.
+class Stated {
+public:
+    explicit Stated(const std::vector<unsigned int>& numbers) : values(numbers) {}
+    virtual ~Stated() = default;
+    virtual short TypeId() const { return typeId; }
+
+    __attribute__((noinline)) int Compare(const Stated& other) const {
+        if (other.TypeId() != TypeId()) return 0;
+        const std::size_t size = std::min(values.size(), other.values.size());
+        for (std::size_t i = 0; i < size; ++i) {
+            if (values[i] != other.values[i]) return values[i] < other.values[i] ? -1 : 1;
+        }
+        return values.size() < other.values.size() ? -1 : values.size() > size;
+    }
+
+private:
+    std::vector<unsigned int> values;
+    static short typeId;
+};
+
+short Stated::typeId = 12;
+
+const RegisterDuty oidCompareStated("oid_compare", floorName, [](unsigned int size) -> Work {
+    const std::vector<unsigned long> numbers = Numbers(size);
+    std::vector<unsigned int> values(numbers.begin(), numbers.end());
+    const Stated first(values);
+    ++values.back();
+    return [first, other = Stated(values)](unsigned int times) {
+        for (; times > 0; --times) {
+            const int order = Opaque(&first)->Compare(*Opaque(&other));
+            Keep(order);
+        }
+    };
+});
+
 int CompareStd(const std::vector<unsigned int>& a, const std::vector<unsigned int>& b) {
     const auto difference = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
     if (difference.second == b.end()) return difference.first != a.end();
