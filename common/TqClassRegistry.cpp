@@ -21,20 +21,23 @@ TqClassInfo* HeldInfo(const ClassList& list, unsigned int index) {
 // are told apart there.
 class WantedName {
 public:
-    explicit WantedName(const char* name) : text(name), length(std::strlen(name)) {}
+    explicit WantedName(const char* name)
+        : text(name), length(std::strlen(name)), last(length == 0 ? '\0' : name[length - 1]) {}
 
     bool Is(const TqString& name) const {
         if (length >= name.capacity) return std::strcmp(name.data, text) == 0;
-        std::size_t i = length;
-        while (name.data[i] == text[i]) {
-            if (i-- == 0) return true;
-        }
-        return false;
+        if (name.data[length] != '\0') return false;
+        if (length == 0) return true;
+        std::size_t i = length - 1;
+        if (name.data[i] != last) return false;
+        while (i > 0 && name.data[i - 1] == text[i - 1]) --i;
+        return i == 0;
     }
 
 private:
     const char* text;
     std::size_t length;
+    char last;
 };
 
 // The walk that every lookup makes. The count is noted once, and a slot is not tested for null: the

@@ -63,7 +63,6 @@ unsigned int UsedPart(const TqString& string) {
 }
 
 // Short areas are copied and cleared word by word: calls would take longer.
-const unsigned int shortText = 128;
 
 void ZeroShortArea(char* area, unsigned int count) {
     const Word zero = 0;
@@ -121,13 +120,16 @@ void CopyText(char* to, const char* text, unsigned int count) {
 
 char* NewBlock(const char* text, unsigned int count, Extent extent) {
     char* block = static_cast<char*>(std::malloc(std::size_t(count) + 1));
-    if (extent == measured) {
-        std::memcpy(block, text, count);
-        block[count] = '\0';
-    } else if (extent == held && count < shortText) {
-        CopyAndFill(block, text, count, extent, count);
-    } else {
+    if (extent == promised) {
         CopyText(block, text, count);
+        return block;
+    }
+    std::memcpy(block, text, count);
+    block[count] = '\0';
+    if (extent == held) {
+        // Nothing behind the first NUL is taken over.
+        const std::size_t copied = std::strlen(block);
+        if (copied < count) std::memset(block + copied, 0, count - copied);
     }
     return block;
 }
@@ -167,6 +169,26 @@ void Assign(TqString& string, const char* text, unsigned int count, Extent exten
         CopyText(string.data, text, count);
         if (used > count) std::memset(string.data + count, 0, used - count);
     }
+    string.length = count;
+}
+
+// What sets a counted text shares.
+void Set(TqString& string, const char* text, unsigned int count, Extent extent) {
+    if (text != nullptr && (TqLiesIn(text, string.internalData, sizeof string.internalData) ||
+                            TqLiesIn(text, string.data, string.capacity))) {
+        // Clearing would destroy a text that lies in this very string, as it does in a trim.
+        char* copy = strndup(text, count);
+        Set(string, copy, count, promised);
+        std::free(copy);
+        return;
+    }
+    string.Clear();
+    if (text == nullptr || count == 0) return;
+    if (count > internalCapacity) {
+        TakeBlock(string, NewBlock(text, count, extent), count);
+        return;
+    }
+    CopyAndFill(string.internalData, text, count, extent, count);
     string.length = count;
 }
 
@@ -242,22 +264,7 @@ TqString& TqString::operator=(const char* text) {
 }
 
 void TqString::SetValue(const char* text, unsigned int count) {
-    if (text != nullptr &&
-        (TqLiesIn(text, internalData, sizeof internalData) || TqLiesIn(text, data, capacity))) {
-        // Clearing would destroy a text that lies in this very string, as it does in a trim.
-        char* copy = strndup(text, count);
-        SetValue(copy, count);
-        std::free(copy);
-        return;
-    }
-    Clear();
-    if (text == nullptr || count == 0) return;
-    if (count > internalCapacity) {
-        TakeBlock(*this, NewBlock(text, count, promised), count);
-        return;
-    }
-    CopyAndFill(internalData, text, count, promised, count);
-    length = count;
+    Set(*this, text, count, promised);
 }
 
 // AppendChar comes here when there is no room.
@@ -369,7 +376,7 @@ void TqString::ToBuffer(TqBuffer& out) const {
 
 void TqString::FromBuffer(TqBuffer& in) {
     const TqItemPayload payload = TqReadItem(in);
-    SetValue(reinterpret_cast<const char*>(payload.bytes), payload.count);
+    Set(*this, reinterpret_cast<const char*>(payload.bytes), payload.count, held);
 }
 
 int TqString::Compare(const TqDataType& other) const {
