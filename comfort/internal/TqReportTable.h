@@ -76,9 +76,9 @@ const TqReportRow tqReportTable[] = {
     {"TqBaseRef", "TqBaseRef::AssignNewObject", "refMutex.Unlock() != 0",
      "TqBaseRef: the mutex of the handle cannot be unlocked; its object's destructor may have used "
      "it"},
-    {"TqBaseRef", "TqBaseRef::GutCheck", "object->self != object",
+    {"TqBaseRef", "CheckHeld", "held->self != held",
      "TqBaseRef: the handle's object is gone (its `self` is another)"},
-    {"TqBaseRef", "TqBaseRef::GutCheck", "objectSeqNum != object->seqNum",
+    {"TqBaseRef", "CheckHeld", "handle.objectSeqNum != held->seqNum",
      "TqBaseRef: the handle's object is not the one that was taken (its `seqNum` is another)"},
     {"TqBaseRef", "TqBaseRef::ToString", "",
      "TqBaseRef::ToString: a handle has no text; nothing is changed"},
