@@ -21,7 +21,7 @@ for way; do
     # shellcheck disable=SC2086  # commands and their flags
     if ! { $way -Wall -Wextra -Wpedantic -Wredundant-decls -Werror \
         -I"$sources/common" -I"$platform" "$sources/tests/abi/compiled_in.cpp" "$library" \
-        -Wl,-rpath,"$(dirname "$library")" $link_flags -pthread -o "$work/program" &&
+        -Wl,-rpath,"$(dirname "$library")" $link_flags -o "$work/program" &&
         timeout 60 $emulator "$work/program" >"$work/got" && grep -q '^done$' "$work/got"; }; then
         echo "failed: $way"
         failed=1
