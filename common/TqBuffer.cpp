@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "TqString.h"
+#include "internal/TqDigits.h"
 #include "internal/TqItem.h"
 #include "internal/TqPrivate.h"
 
@@ -306,15 +307,16 @@ void TqWriteItem(TqBuffer& out, unsigned int statedLength, const void* payload,
     // A length of more digits loses its last ones: five bytes are what every reader takes. The item
     // is corrupt then; payloads are limited to 99999 bytes.
     while (statedLength > 99999) statedLength /= 10;
-    unsigned char digits[tqItemDigits];
-    for (unsigned int i = tqItemDigits; i > 0; --i) {
-        digits[i - 1] = static_cast<unsigned char>('0' + statedLength % 10);
-        statedLength /= 10;
-    }
     // In one piece: digits and payload are moved to a larger block once, not twice, and the block
     // has the size that one append of both would give it.
     TqMakeRoom(out, tqItemDigits + count);
-    out.Append(digits, tqItemDigits);
+    // Room for the digits there is even when that sum has wrapped around.
+    TqMakeRoom(out, tqItemDigits);
+    unsigned char* digits = out.data + out.length;
+    digits[0] = static_cast<unsigned char>('0' + statedLength / 10000);
+    TqPutPair(digits + 1, statedLength / 100 % 100);
+    TqPutPair(digits + 3, statedLength % 100);
+    out.length += tqItemDigits;
     out.Append(static_cast<const unsigned char*>(payload), count);
 }
 

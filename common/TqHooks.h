@@ -39,7 +39,7 @@ TQ_API TqAssertCb TqUnRegisterAssertCb();
 
 /// Hands `file` and `line`, exactly as received, to the assertion hook. Does nothing at all when
 /// none is installed.
-TQ_API void TqCallAssert(const char* file, int line);
+TQ_API __attribute__((cold)) void TqCallAssert(const char* file, int line);
 
 /// Installs `hook` for `TqCallSysExit`. Null is allowed and unregisters.
 /// Returns the hook installed before, or null.
