@@ -25,6 +25,7 @@
 #include "Tq.h"
 #include "TqDownload.h"
 #include "TqReportSentence.h"
+#include "TqTftpText.h"
 
 namespace {
 
