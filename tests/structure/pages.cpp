@@ -1,6 +1,6 @@
 // Runs the programs of a page of docs/, named by its argument, each in a process of its own, since
-// some change the state of theirs. In front of what each prints stands the line of the page on which
-// it begins.
+// some change the state of theirs. In front of what each prints stands the line of the page on
+// which it begins.
 
 #include <arpa/inet.h>
 #include <fcntl.h>

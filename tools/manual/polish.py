@@ -24,6 +24,9 @@ CHANGES = [
     # What has no page is named only.
     (r'<a class="[a-z]*" href="(?:dir_|namespace)[^"]*"[^>]*>(.*?)</a>', r"\1"),
     (r" (Class|Struct|File) (Template )?Reference</div>", "</div>"),
+    (r'<h2 class="groupheader">Detailed Description</h2>', ""),
+    (r'<tr class="heading"><td colspan="2"><h2 class="groupheader"><a id="inherited" [^\n]*\n[^\n]*\n',
+     ""),
     # The anchors of a heading are its own.
     (r'<h(\d)><a class="anchor" id="([^"]*)"></a>', r'<h\1 id="\2">'),
 ]
