@@ -2,7 +2,8 @@
 """Draws the manual's pictures: pictures.py OUTPUT
 
 - classes.svg, who derives from whom: from the headers, by graphviz;
-- layout.svg, each class as it lies in the device's memory: from the stored binary interface;
+- layout.svg and layout-CLASS.svg, each class as it lies in the device's memory: from the stored
+  binary interface;
 - a picture for each file of docs/manual/recorded: who calls whom, or sends to whom, in time;
 - locks.svg, which mutex is taken inside which: from the same recordings.
 
@@ -147,6 +148,7 @@ def layout_of(name, total, rows):
 
 
 def layouts():
+    """(class, picture) of each."""
     abi = load_abi()
     description = ElementTree.parse(ROOT / "tests" / "abi" / "stored" / "powerpc.abi").getroot()
     size = abi.type_sizes(description)
@@ -158,8 +160,8 @@ def layouts():
         picture = layout_of(name, abi.bytes_of(element, "size-in-bits"), rows)
         if name.isupper() or "_" in name:
             picture = picture.replace(f"class{name}.html", f"struct{name.replace('_', '__')}.html")
-        drawn.append(picture)
-    return "\n".join(drawn)
+        drawn.append((name, picture))
+    return drawn
 
 
 # Who calls whom.
@@ -287,7 +289,10 @@ def main():
     output = pathlib.Path(sys.argv[1])
     output.mkdir(parents=True, exist_ok=True)
     (output / "classes.svg").write_text(classes())
-    (output / "layout.svg").write_text(layouts())
+    drawn = layouts()
+    (output / "layout.svg").write_text("\n".join(picture for _, picture in drawn))
+    for name, picture in drawn:
+        (output / f"layout-{name}.svg").write_text(picture)
     for name in ("value", "object"):
         (output / f"{name}.svg").write_text(calls(name))
     (output / "locks.svg").write_text(locks())

@@ -1,5 +1,8 @@
 #!/usr/bin/env python3
-"""Takes out of Doxygen's pages what belongs to its own look: polish.py FOLDER"""
+"""Takes out of Doxygen's pages what belongs to its own look: polish.py FOLDER PICTURES
+
+A class that has a picture of its layout gets it behind what is said of the class.
+"""
 
 import pathlib
 import re
@@ -27,6 +30,7 @@ CHANGES = [
     (r'<h2 class="groupheader">Detailed Description</h2>', ""),
     (r'<tr class="heading"><td colspan="2"><h2 class="groupheader"><a id="inherited" [^\n]*\n[^\n]*\n',
      ""),
+    (r'<span style="width:\d+px;display:inline-block;">&#160;</span>', ""),
     # The anchors of a heading are its own.
     (r'<h(\d)><a class="anchor" id="([^"]*)"></a>', r'<h\1 id="\2">'),
 ]
@@ -37,8 +41,19 @@ def heading(match):
     return f"<{match.group(1)}h{int(match.group(2)) + 1}"
 
 
+def with_layout(text, name, pictures):
+    picture = pictures / f"layout-{name}.svg"
+    if not picture.exists():
+        return text
+    drawn = picture.read_text()
+    return text.replace('</div><table class="memberdecls">',
+                        '</div><h2 class="groupheader">On the device</h2><div class="picture layout">'
+                        + drawn + '</div><table class="memberdecls">', 1)
+
+
 def main():
     folder = pathlib.Path(sys.argv[1])
+    pictures = pathlib.Path(sys.argv[2])
     for pattern in LISTS + LOOK:
         for path in folder.glob(pattern):
             path.unlink()
@@ -51,6 +66,9 @@ def main():
         text = re.sub(r'href="([^"#]+)#details"',
                       lambda link: f'href="{link.group(1)}"' if link.group(1) in brief
                       else link.group(0), text)
+        kind = re.match(r"(?:class|struct)(\w+)\.html$", path.name)
+        if kind:
+            text = with_layout(text, kind.group(1).replace("__", "_"), pictures)
         if path.name.startswith("page_") or path.name == "index.html":
             before, begin, contents = text.partition('<div class="contents">')
             text = before + begin + re.sub(r"<(/?)h(\d)", heading, contents)
