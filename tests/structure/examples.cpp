@@ -204,6 +204,16 @@ static void Items() {
     CHECK(std::strcmp(complaint, "o0") == 0);
 }
 
+// What the README says of its program in shorter words.
+static void Shorter() {
+    TqBuffer packet;
+    TqNumber received;
+    TqWrite(packet, 42);
+    CHECK(TqRead(packet, received));
+    std::puts(TqText(received).data);
+    CHECK(received.value == 42);
+}
+
 static bool isUp(const Port* port) {
     return port->number == 7;
 }
@@ -398,6 +408,7 @@ int main(int count, char**) {
     Lists();
     Callbacks();
     Items();
+    Shorter();
     Texts();
     Tables();
     Addresses();
