@@ -19,9 +19,9 @@
 #include "Child.h"
 #include "Files.h"
 #include "Scale.h"
+#include "TftpAnswers.h"
 #include "TftpHost.h"
 #include "TftpScript.h"
-#include "TftpServer.h"
 #include "TftpTest.h"
 #include "TqTftp.h"
 
@@ -41,49 +41,8 @@ protected:
         TftpTest::TearDown();
     }
 
-    static std::string HostName(unsigned int number = 1) {
-        const std::string text = ToText(RequestPort(number));
-        return text.substr(0, text.find(':'));
-    }
-
     // Serves the directory from a host.
-    Child Serve(unsigned int host = 1) const {
-        TftpServer::Settings settings;
-        settings.directory = served.Path();
-        settings.resendAfter = 0;
-        auto server = std::make_shared<TftpServer>(UdpSocket(RequestPort(host)), settings);
-        return Child([server] {
-            while (true) server->Serve(1000);
-        });
-    }
-
-    // Answers every datagram that comes to host 1.
-    using Answers = std::function<void(const UdpSocket&, const Endpoint& client, const Octets&)>;
-    static Child Answer(const Answers& answer) {
-        auto socket = std::make_shared<UdpSocket>(RequestPort());
-        return Child([socket, answer] {
-            Octets datagram;
-            Endpoint client;
-            while (true) {
-                if (socket->Receive(datagram, client, 1000)) answer(*socket, client, datagram);
-            }
-        });
-    }
-
-    static unsigned int AskedFor(const Octets& datagram) {
-        return datagram[1] == 1 ? 1
-                                : static_cast<unsigned char>(datagram[2]) * 256u +
-                                      static_cast<unsigned char>(datagram[3]) + 1;
-    }
-
-    // A server that sends so many full blocks and falls silent then.
-    static Child AnswerWithBlocks(unsigned int count) {
-        return Answer(
-            [count](const UdpSocket& socket, const Endpoint& client, const Octets& datagram) {
-                const unsigned int block = AskedFor(datagram);
-                if (block <= count) socket.Send(client, Data(block, Octets(512, 'x')));
-            });
-    }
+    Child Serve(unsigned int host = 1) const { return ServeFolder(served.Path(), host); }
 
     static std::string TextOf(const TqDownload& download) {
         TqString text;
@@ -280,7 +239,7 @@ TEST_F(TqDownloadFetch, TheDeadlineEndsATransferThatGoesOn) {
     const Child server =
         Answer([](const UdpSocket& socket, const Endpoint& client, const Octets& datagram) {
             usleep(100000);
-            socket.Send(client, Data(AskedFor(datagram), Octets(512, 'x')));
+            socket.Send(client, Data(BlockAskedFor(datagram), Octets(512, 'x')));
         });
     TqBuffer buffer;
     TqDownload download(HostName().c_str(), "motd");
