@@ -79,6 +79,7 @@ protected:
 #define TQ_BASE_LIST_BODY TQ_COMPILED_IN
 #endif
 #ifdef TQ_BASE_LIST_BODY
+// NOLINTBEGIN(misc-definitions-in-headers): only the source of the class defines them
 
 TQ_BASE_LIST_BODY void TqBaseList::RemoveSlot(unsigned int index) {
     // No check of the index or the count: derived lists make theirs before they call, and report in
@@ -105,6 +106,7 @@ TQ_BASE_LIST_BODY void TqBaseList::InsertSlot(unsigned int index, void* item) {
     slots[index] = item;
 }
 
+// NOLINTEND(misc-definitions-in-headers)
 #endif
 
 #endif

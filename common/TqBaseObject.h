@@ -79,6 +79,7 @@ TQ_API TqBaseObject* TqBaseObjectNewFunc();
 #define TQ_BASE_OBJECT_BODY TQ_COMPILED_IN
 #endif
 #ifdef TQ_BASE_OBJECT_BODY
+// NOLINTBEGIN(misc-definitions-in-headers): only the source of the class defines them
 
 // The checks are unlocked reads, and no failure keeps the count from changing.
 
@@ -110,6 +111,7 @@ TQ_BASE_OBJECT_BODY TQ_READS_ANY_OBJECT int TqBaseObject::DecrementRefCount(TqBa
     return last ? 1 : 0;
 }
 
+// NOLINTEND(misc-definitions-in-headers)
 #endif
 
 #endif

@@ -127,6 +127,7 @@ public:
 #define TQ_STRING_BODY TQ_COMPILED_IN
 #endif
 #ifdef TQ_STRING_BODY
+// NOLINTBEGIN(misc-definitions-in-headers): only the source of the class defines them
 
 TQ_STRING_BODY void TqString::AppendChar(char c) {
     const unsigned int count = length;
@@ -140,6 +141,7 @@ TQ_STRING_BODY void TqString::AppendChar(char c) {
     length = count + 1;
 }
 
+// NOLINTEND(misc-definitions-in-headers)
 #endif
 
 #endif
