@@ -97,6 +97,7 @@ std::string Timing(const char* sample) {
 
 void ExpectTransfer(const std::string& text) {
     session->Command("tq transfer", {text});
+    session->Value("'(anonymous namespace)::transfer'", text);
     session->Stop();
 }
 
@@ -254,7 +255,13 @@ void ShowBroken(bool endsByAbort) {
     longOid.count = 0x7FFFFFFF;
     session->Value("longOid", "<not readable>");
 
-    TqPtrList<TqNumber> emptied, noSlots, farSlots;
+    TqSnmpOid fullOid("1.3");
+    fullOid.count = 17;
+    session->Value("fullOid", "<not readable>");
+
+    TqPtrList<TqNumber> emptied, noSlots, farSlots, fullSlots;
+    fullSlots.count = 16;
+    session->Value("fullSlots", "TqPtrList<TqNumber> of 16 (capacity 16) = {<not readable>}");
     emptied.RemoveItem(0u);
     noSlots.count = farSlots.count = 3;
     noSlots.slots = nullptr;
@@ -303,6 +310,7 @@ void ShowObjects(bool endsByAbort) {
     session->Value("plain",
                    "handle on TqBaseObject at " + Address(plain.object) + ", 2 references");
     session->Value("handle", "handle on " + port + ", 3 references");
+    session->Value("*(TqBaseRef*)&handle", "handle on " + port + ", 3 references");
     session->Value("nobody", "empty handle");
     session->Value("*plain.object", "TqBaseObject, 2 references");
     TqRefList<Port> ports;

@@ -1,9 +1,10 @@
 #!/bin/bash
-# session.sh live|core|emulated|emulated_core BUILD PROGRAM [EMULATOR -L SYSROOT]
+# session.sh live|core|page|emulated|emulated_core BUILD PROGRAM [EMULATOR -L SYSROOT]
 # with $CMAKE in the environment
 #
 # gdb, with nothing but the library as it is installed, shows what the program says that it should:
-# of the running program at each stop, or of a core file from the last one.
+# of the running program at each stop, or of a core file from the last one; or what docs/debugging.md
+# has it say.
 way=$1
 build=$2
 program=$3
@@ -85,6 +86,13 @@ emulated_core() {
     python3 "$tools/gdb/readable_core.py" "$room"/qemu_*.core "$room/core" ||
         fail "no core file: $(cat "$room/emulated")"
     ask "${places[@]}" "core-file $room/core" "python ask_of_last_stop('$room')"
+}
+
+page() {
+    ask "set environment LD_LIBRARY_PATH $libraries" "source $here/page.py" \
+        "python check_page('$here/../../docs/debugging.md')"
+    grep -q '^0 answers' "$room/said" || fail "the page is not what gdb says"
+    exit
 }
 
 $way
