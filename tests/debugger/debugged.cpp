@@ -147,69 +147,88 @@ void ShowTransfer() {
 
 // What stays in sight until the end: each of these functions calls the next one.
 
-// Two threads that let their lists go, and from the destructor of an item the other's. They wait
-// for each other then.
+// One thread empties a list, another one a handle, and the destructors of what these let go do the
+// same to the other one. The threads wait for each other then.
 pthread_barrier_t barrier;
 
 class Last : public TqBaseObject {
 public:
     ~Last() override;
-    TqBaseRefList* others = nullptr;
+    TqBaseRefList* list = nullptr;
+    TqBaseRef* handle = nullptr;
 };
 
 Last::~Last() {
-    if (others == nullptr) return;
     pthread_barrier_wait(&barrier);
-    others->RemoveAllItems();
+    if (list != nullptr) list->RemoveAllItems();
+    if (handle != nullptr) handle->AssignNewObject(nullptr);
 }
 
-struct Side {
+struct Quarrel {
     TqRefList<Last> list;
-    pthread_t thread;
-    long number;  // as the kernel has it
+    TqRef<Last> handle;
+    long emptiesList;  // the threads, as the kernel has them
+    long emptiesHandle;
 };
 
-void* LetGo(void* side) {
-    static_cast<Side*>(side)->number = syscall(SYS_gettid);
-    static_cast<Side*>(side)->list.RemoveAllItems();
+void* EmptyList(void* argument) {
+    Quarrel& quarrel = *static_cast<Quarrel*>(argument);
+    quarrel.emptiesList = syscall(SYS_gettid);
+    quarrel.list.RemoveAllItems();
     return nullptr;
 }
 
-void Start(Side& side, Side& other) {
-    Last* last = new Last;
-    last->others = &other.list;
-    side.list.Append(last);
-    pthread_create(&side.thread, nullptr, LetGo, &side);
+void* EmptyHandle(void* argument) {
+    Quarrel& quarrel = *static_cast<Quarrel*>(argument);
+    quarrel.emptiesHandle = syscall(SYS_gettid);
+    quarrel.handle.AssignNewObject(nullptr);
+    return nullptr;
 }
 
 // The first word is 2 once somebody may wait.
-bool IsAwaited(const Side& side) {
-    return *reinterpret_cast<const volatile int*>(&side.list.listMutex) == 2;
+bool IsAwaited(const TqLinuxMutex& mutex) {
+    return *reinterpret_cast<const volatile int*>(&mutex) == 2;
 }
 
-std::vector<std::string> LockLines(const Side& side, const char* threads) {
-    return {"listMutex of TqRefList<(anonymous namespace)::Last> at " + Address(&side.list) +
-                ": held by thread " + threads[0] + " (LWP " + std::to_string(side.number) + ")",
-            std::string("  thread ") + threads[1] + " waits for it"};
+void Begin(Quarrel& quarrel) {
+    quarrel.list.Append(new Last);
+    quarrel.list.First()->handle = &quarrel.handle;
+    quarrel.handle = new Last;
+    static_cast<Last*>(quarrel.handle.object)->list = &quarrel.list;
+    pthread_barrier_init(&barrier, nullptr, 2);
+    pthread_t thread;
+    pthread_create(&thread, nullptr, EmptyList, &quarrel);
+    pthread_create(&thread, nullptr, EmptyHandle, &quarrel);
+    while (!IsAwaited(quarrel.list.listMutex) || !IsAwaited(quarrel.handle.refMutex)) usleep(1000);
+}
+
+std::string HeldBy(int thread, long number) {
+    return "held by thread " + std::to_string(thread) + " (LWP " + std::to_string(number) + ")";
+}
+
+// In sight of nobody.
+std::string LockForgottenPort() {
+    Port* port = new Port;
+    port->objectMutex.Lock();
+    return "objectMutex of Port at " + Address(port) + ": " + HeldBy(1, syscall(SYS_gettid));
 }
 
 void ShowLocks(bool endsByAbort) {
     session->In("ShowLocks");
-    static Side sides[2];
-    pthread_barrier_init(&barrier, nullptr, 2);
-    Start(sides[0], sides[1]);
-    Start(sides[1], sides[0]);
-    while (!IsAwaited(sides[0]) || !IsAwaited(sides[1])) usleep(1000);
-
-    std::vector<std::string> lines = LockLines(sides[0], "23");
-    const std::vector<std::string> second = LockLines(sides[1], "32");
-    lines.insert(lines.end(), second.begin(), second.end());
-    lines.push_back("DEADLOCK: thread 2 waits for thread 3 waits for thread 2");
-    session->Command("tq locks", lines);
-    // Three ports of a list with broken slots, and one that handles hold.
-    session->Lines("Port", "tq classes", {"  Port: 3", "    FastPort: 1"});
-    session->Value("sides[0].list.listMutex",
-                   "held by thread 2 (LWP " + std::to_string(sides[0].number) + ")");
+    static Quarrel quarrel;
+    Begin(quarrel);
+    session->Command("tq locks",
+                     {"listMutex of TqRefList<(anonymous namespace)::Last> at " +
+                          Address(&quarrel.list) + ": " + HeldBy(2, quarrel.emptiesList),
+                      "  thread 3 waits for it",
+                      "refMutex of TqRef<(anonymous namespace)::Last> at " +
+                          Address(&quarrel.handle) + ": " + HeldBy(3, quarrel.emptiesHandle),
+                      "  thread 2 waits for it", LockForgottenPort(),
+                      "DEADLOCK: thread 2 waits for thread 3 waits for thread 2"});
+    session->Value("quarrel.list.listMutex", HeldBy(2, quarrel.emptiesList));
+    session->Value("quarrel.list.objectMutex", "free");
+    // Three ports of a list with broken slots, the forgotten one, and one that handles hold.
+    session->Lines("Port", "tq classes", {"  Port: 4", "    FastPort: 1"});
     session->Stop();
     if (endsByAbort) abort();
     _exit(0);
@@ -240,6 +259,8 @@ void ShowBroken(bool endsByAbort) {
     ExpectOfStorage("TqDateTime", "1900-01-00 00:00:00",
                     "-1431653866--1431655765--1431655766 -1431655766:-1431655766:-1431655766");
 
+    [[maybe_unused]] Port* const noPort = reinterpret_cast<Port*>(wild);
+    [[maybe_unused]] TqRef<Port>* const farHandle = reinterpret_cast<TqRef<Port>*>(8);
     TqString noText, farText, longText;
     noText.data = nullptr;
     farText.data = reinterpret_cast<char*>(8);
@@ -435,6 +456,10 @@ void ShowValues(bool endsByAbort) {
     session->Limited("6", "buffer", "TqBuffer of 32, read to 9: 00004e...");
     session->Command("tq items buffer", {"      0  4: eth\\x01", "->    9  3: -42",
                                          "     17  4: True", "     26  not complete: 00009x"});
+    TqBuffer readBuffer(buffer);
+    readBuffer.TruncateAfter(9);
+    readBuffer.AdvanceReadContext(9);
+    session->Command("tq items readBuffer", {"      0  4: eth\\x01", "->    9  end"});
     session->Command("with print elements 1 -- tq items buffer", {"      0  4: e...", "..."});
     ShowObjects(endsByAbort);
 }

@@ -7,7 +7,7 @@ import gdb
 
 
 def answer(command, wanted=""):
-    """Prints what gdb says to `command`, an error included: the lines that have `wanted` in them."""
+    """Prints what gdb says to `command`, an error included: the lines with `wanted` in them."""
     try:
         text = gdb.execute(command, to_string=True)
     except gdb.error as error:

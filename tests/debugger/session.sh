@@ -1,10 +1,11 @@
 #!/bin/bash
-# session.sh live|core|page|emulated|emulated_core BUILD PROGRAM [EMULATOR -L SYSROOT]
+# session.sh live|core|page|stripped BUILD PROGRAM
+# session.sh emulated|emulated_core BUILD PROGRAM EMULATOR -L SYSROOT
 # with $CMAKE in the environment
 #
 # gdb, with nothing but the library as it is installed, shows what the program says that it should:
-# of the running program at each stop, or of a core file from the last one; or what docs/debugging.md
-# has it say.
+# of the running program at each stop, or of a core file from the last one; or what the page
+# docs/debugging.md has it say.
 way=$1
 build=$2
 program=$3
@@ -13,7 +14,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 tools=$here/../../tools
 
 gdb=gdb
-[ ${#emulator[@]} -eq 0 ] || gdb=gdb-multiarch
+[ ${#emulator[@]} -eq 0 ] || gdb="gdb-multiarch"
 if ! command -v $gdb >/dev/null || ! $gdb -batch -nx -ex 'python print(1)' >/dev/null 2>&1; then
     echo "Skipped: no $gdb that has Python"
     exit 77
@@ -82,7 +83,7 @@ emulated() {
 }
 
 emulated_core() {
-    (ulimit -c unlimited && cd "$room" && emulate "$program" "$room" abort)
+    (ulimit -c unlimited && cd "$room" && emulate "$program" "$room" abort) 2>/dev/null
     python3 "$tools/gdb/readable_core.py" "$room"/qemu_*.core "$room/core" ||
         fail "no core file: $(cat "$room/emulated")"
     ask "${places[@]}" "core-file $room/core" "python ask_of_last_stop('$room')"
@@ -93,6 +94,17 @@ page() {
         "python check_page('$here/../../docs/debugging.md')"
     grep -q '^0 answers' "$room/said" || fail "the page is not what gdb says"
     exit
+}
+
+# Without the library's debug information nothing is known of its objects, and that is said.
+stripped() {
+    strip --strip-debug "$libraries"/libtqcommon.so.?.?.? || fail "not stripped"
+    ask "set environment LD_LIBRARY_PATH $libraries" 'break Polled' run up \
+        "python answer('output stored')" "python answer('output ports', 'TqRefList<Port> of')" \
+        "python answer('tq classes')" "python answer('tq locks')"
+    missing="| The library, or its debug information, is not there."
+    printf '%s\n' '> output stored' '| <incomplete type>' '> output ports' \
+        '> tq classes' "$missing" '> tq locks' "$missing" >"$room/expected.1"
 }
 
 $way

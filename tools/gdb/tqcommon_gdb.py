@@ -11,6 +11,7 @@ value holds is not trusted: it may not be constructed yet, destroyed or overwrit
 """
 
 import array
+import itertools
 import re
 import sys
 
@@ -75,6 +76,13 @@ def derives(kind, name):
 
 def is_class(kind):
     return kind.strip_typedefs().code == gdb.TYPE_CODE_STRUCT
+
+
+def is_complete(kind):
+    """Whether gdb knows the fields of a class, which are in the library's debug information."""
+    kind = kind.strip_typedefs()
+    bases = (field.type for field in kind.fields() if field.is_base_class)
+    return is_class(kind) and bool(kind.fields()) and all(map(is_complete, bases))
 
 
 def symbol_at(pointer):
@@ -480,7 +488,7 @@ class Printers(gdb.printing.PrettyPrinter):
     def __call__(self, value):
         kind = value.type.strip_typedefs().unqualified()
         entry = find_entry(kind.name)
-        if entry is None or not is_class(kind) or not kind.fields():
+        if entry is None or not is_complete(kind):
             return None
         if entry[1] is transfer_text and "acknowledgement" not in kind:
             return None
@@ -578,7 +586,7 @@ def live_objects():
 def registry():
     pointer = gdb.parse_and_eval("TqClassRegistry::theRegistry")
     if int(pointer) == 0:
-        raise gdb.GdbError("There is no registry yet.")
+        raise gdb.error("There is no registry yet.")
     return pointer.dereference()
 
 
@@ -624,6 +632,16 @@ class TqCommand(gdb.Command):
         super().__init__("tq", gdb.COMMAND_DATA, prefix=True)
 
 
+def has_library():
+    try:
+        return is_complete(gdb.lookup_type("TqBaseObject"))
+    except FAULTS:
+        return False
+
+
+NO_LIBRARY = "The library, or its debug information, is not there."
+
+
 class Subcommand(gdb.Command):
     """Says in one sentence what keeps it from working."""
 
@@ -634,6 +652,8 @@ class Subcommand(gdb.Command):
 
     def invoke(self, argument, _):
         try:
+            if not has_library():
+                raise gdb.error(NO_LIBRARY)
             self.show(argument)
         except (gdb.MemoryError, ArithmeticError, ValueError, LookupError):
             raise gdb.GdbError(NOT_READABLE)
@@ -642,7 +662,7 @@ class Subcommand(gdb.Command):
 
 
 class Classes(Subcommand):
-    """The classes in the registry with their ancestors as a tree, and how many objects of each live.
+    """The classes in the registry and their ancestors as a tree, and how many objects of each live.
 
 An object counts for its class, or for the nearest ancestor that the tree has."""
 
@@ -755,30 +775,32 @@ def referred(value):
     return int(value.address or 0), kind
 
 
-MUTEXES = (("TqBaseObject", "objectMutex"), ("TqBaseRef", "refMutex"), ("TqBaseRefList", "listMutex"))
+MUTEXES = {"TqBaseObject": "objectMutex", "TqBaseRef": "refMutex", "TqBaseRefList": "listMutex"}
 
 
 def mutexes_in(kind, address):
-    """Address and description of each lock in an object of the library's at `address`."""
+    """Address and description of each lock in what lives at `address` as a `kind`."""
     if address == 0 or not is_class(kind):
         return
-    for base, field in MUTEXES:
+    for base, field in MUTEXES.items():
         if derives(kind, base):
-            value = gdb.Value(address).cast(kind.pointer())
-            mutex = value.cast(gdb.lookup_type(base).pointer()).dereference()[field]
-            name = guarded(class_at)(address)
-            shown = kind.strip_typedefs().name if name == NOT_READABLE else name
-            yield int(mutex.address), f"{field} of {shown} at {address:#x}"
+            part = gdb.Value(address).cast(kind.pointer()).cast(gdb.lookup_type(base).pointer())
+            name = class_at(int(part))
+            if base == "TqBaseRef" or int(part["self"]) == int(part):
+                yield int(part[field].address), f"{field} of {name} at {address:#x}"
+
+
+MOST_FRAMES = 1000
 
 
 def frames_of(thread):
-    """The frames of a thread, innermost first: the file of its code, and the locks it names."""
+    """The locks that each frame of a thread names, the innermost frame first."""
     def walk():
         frame = gdb.newest_frame()
         while frame is not None:
-            yield gdb.solib_name(frame.pc()) or "", locks_in(frame)
+            yield locks_in(frame)
             frame = frame.older()
-    return in_thread(thread, lambda: list(walk()))
+    return in_thread(thread, lambda: list(itertools.islice(walk(), MOST_FRAMES)))
 
 
 def locks_in(frame):
@@ -816,16 +838,14 @@ def locks_of_objects():
 
 def awaited(thread, frames):
     """The lock that a thread waits for: one that its innermost frame of the library's names, while
-    the thread is in the C library."""
-    if not re.search(r"/(libc|libpthread)[.-]", frames[0][0]):
+    it is in a function of another library."""
+    named = next(filter(None, frames), {})
+    if named is frames[0]:
         return None
-    for _, locks in frames:
-        for lock in locks:
-            owner, is_contended = owner_of(lock)
-            if owner not in (0, thread.ptid[1]) and is_contended:
-                return lock
-        if locks:
-            return None
+    for lock in named:
+        owner, is_contended = owner_of(lock)
+        if owner not in (0, thread.ptid[1]) and is_contended:
+            return lock
     return None
 
 
@@ -840,11 +860,10 @@ A platform of the device's own may have mutexes that this does not know."""
         threads = inferior_threads()
         frames = {thread.num: frames_of(thread) for thread in threads}
         known = dict(locks_of_objects())
-        for of_thread in frames.values():
-            for _, locks in of_thread:
-                known.update(locks)
+        for locks in itertools.chain.from_iterable(frames.values()):
+            known.update(locks)
         waits = {t.num: awaited(t, frames[t.num]) for t in threads}
-        held = [lock for lock in sorted(known) if guarded(owner_of)(lock)[0] not in (0, "<")]
+        held = [lock for lock in sorted(known) if owner_of(lock)[0] != 0]
         for lock in held:
             self.show_lock(known[lock], lock, [n for n in waits if waits[n] == lock])
         if not held:
@@ -881,7 +900,7 @@ class Transfer(Subcommand):
             if "acknowledgement" in symbol.type.strip_typedefs():
                 print(transfer_text(symbol.value()))
                 return
-        raise gdb.GdbError("The TFTP client is not in this program, or has no debug information.")
+        raise gdb.error(NO_LIBRARY)
 
 
 gdb.printing.register_pretty_printer(gdb.current_objfile(), Printers(), replace=True)
