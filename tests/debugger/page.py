@@ -1,10 +1,13 @@
-"""check_page(PAGE): gives gdb the commands of the session on the page, and prints both sides where
-its answers differ. Addresses do, from machine to machine."""
+"""For the test of the page: gives gdb the commands of the page's session, and compares its answers.
+Looks too whether the script knows every class."""
 
+import glob
 import re
-import sys
 
 import gdb
+
+# An interface, and an object with nothing of its own.
+NOT_SHOWN = {"TqDataType", "TqCallbackData"}
 
 
 def session_of(page):
@@ -17,15 +20,31 @@ def session_of(page):
 
 
 def comparable(text):
+    """Addresses differ from machine to machine."""
     return re.sub(r"0x[0-9a-f]{4,}", "ADDRESS", text.strip())
 
 
-def check_page(page):
-    wrong = 0
+def wrong_answers(page):
     for command, expected in session_of(page):
         answer = gdb.execute(command, to_string=True)
         if expected.strip() != "..." and comparable(answer) != comparable(expected):
-            print(f"(gdb) {command}\n{answer}but the page says\n{expected}")
-            wrong += 1
-    print(f"{wrong} answers are not those of the page")
-    sys.stdout.flush()
+            yield f"(gdb) {command}\n{answer}but the page says\n{expected}"
+
+
+def unknown_classes(headers):
+    for header in glob.glob(headers):
+        with open(header) as text:
+            for name in re.findall(r"^class TQ_API (\w+)", text.read(), re.M):
+                if name not in NOT_SHOWN and not is_known(name):
+                    yield f"{name} is not among the script's entries"
+
+
+def is_known(name):
+    """gdb loads the library's script into the same name space as this one."""
+    entries = globals()["ENTRIES"]
+    return name in entries or name + "<>" in entries
+
+
+def check(page, headers):
+    faults = list(wrong_answers(page)) + list(unknown_classes(headers))
+    print("\n".join(faults + [f"{len(faults)} faults"]))

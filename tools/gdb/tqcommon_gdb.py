@@ -502,8 +502,9 @@ def printed(command):
 
 
 def mapped_memory():
-    """Start and end of what the process may write, if the target has a map of its memory."""
-    row = re.compile(r"^\s*0x(\w+)\s+0x(\w+)\s+0x\w+\s+0x\w+\s+rw", re.M)
+    """Start and end of what the process may write, if the target has a map of its memory. What is
+    shared is left alone: it may be a device's registers."""
+    row = re.compile(r"^\s*0x(\w+)\s+0x(\w+)\s+0x\w+\s+0x\w+\s+rw.p", re.M)
     try:
         return row.findall(printed("info proc mappings"))
     except FAULTS:
@@ -519,21 +520,23 @@ def dumped_memory():
 def guessed_memory():
     """The same where nothing tells: data of program and libraries, the heap behind the program's,
     and the stacks."""
-    rows = re.findall(r"0x(\w+) - 0x(\w+) is \.s?(?:data|bss)\b", printed("info files"))
-    ranges = [(int(start, 16), int(end, 16)) for start, end in rows]
-    starts = [end for _, end in ranges[:4]] + [stack_of(t) for t in inferior_threads()]
-    return ranges + [readable_from(start) for start in starts]
+    row = re.compile(r"0x(\w+) - 0x(\w+) is \.s?(?:data|bss)( in )?")
+    sections = [(int(start, 16), int(end, 16), library)
+                for start, end, library in row.findall(printed("info files"))]
+    heap = max((end for _, end, library in sections if not library), default=0)
+    starts = [heap] + [stack_of(thread) for thread in inferior_threads()]
+    return [section[:2] for section in sections] + [readable_from(start) for start in starts]
 
 
 PAGE = 4096
-MOST_GUESSED = 4096 * PAGE
+MOST = 4096 * PAGE
 
 
 def readable_from(start):
     """From `start`, or the page behind it, up to where nothing can be read."""
     first = start if is_readable(start, 1) else (start // PAGE + 1) * PAGE
     end = first
-    while end - first < MOST_GUESSED and is_readable(end, 1):
+    while end - first < MOST and is_readable(end, 1):
         end = (end // PAGE + 1) * PAGE
     return first, end
 
@@ -541,7 +544,13 @@ def readable_from(start):
 def writable_memory():
     rows = dumped_memory() or mapped_memory()
     ranges = [(int(start, 16), int(end, 16)) for start, end in rows] or guessed_memory()
-    return merged(sorted(ranges))
+    return in_pieces(merged(sorted(ranges)))
+
+
+def in_pieces(ranges):
+    for start, end in ranges:
+        for first in range(start, end, MOST):
+            yield first, min(first + MOST, end)
 
 
 def merged(ranges):
