@@ -365,8 +365,9 @@ void ShowObjects(bool endsByAbort) {
     TqBaseList slots;
     slots.InsertSlot(1, &ports);
     slots.InsertSlot(2, reinterpret_cast<void*>(8));
-    session->Value("slots", "TqBaseList of 2 (capacity 16) = {TqRefList<Port> at " +
-                                Address(&ports) + ", 0 references, 0x8}");
+    session->Value("slots",
+                   "TqBaseList of 2 (capacity 16) = {TqRefList<Port> of 1 (capacity 16, 1 walk), "
+                   "0x8}");
     TqPtrList<TqBaseList> lists;
     lists.Append(&numbers);
     session->Value("lists",

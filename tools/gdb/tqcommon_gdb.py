@@ -189,7 +189,7 @@ def class_info_text(value):
     parent = value["parent"]
     seen = {int(value.address or 0)}
     while int(parent) != 0:
-        if int(parent) in seen or int(parent["self"]) != int(parent):
+        if int(parent) in seen or not points_at_itself(int(parent)):
             return "class " + " : ".join(names + [NOT_READABLE])
         seen.add(int(parent))
         names.append(cut(*bytes_of(parent["name"])))
@@ -342,7 +342,7 @@ class ListPrinter(Printer):
     def children(self):
         try:
             first, count = self.slots()
-            item_of = item_reader(self.value.type)
+            item_of = item_reader(self.listed().type)
         except FAULTS:
             return iter([("[1]", NOT_READABLE)])
         return ((f"[{i}]", guarded(item_of)(first[i])) for i in range(1, count + 1))
@@ -368,10 +368,6 @@ class ListPrinter(Printer):
 class RegistryPrinter(ListPrinter):
     """The descriptors of the registry, as items."""
 
-    def __init__(self, value, text):
-        super().__init__(value, text)
-        self.registry = value
-
     def listed(self):
         return self.value["classList"]
 
@@ -379,15 +375,19 @@ class RegistryPrinter(ListPrinter):
 def object_text(pointer):
     """The class, the address and the count of an object, read through its base."""
     address = int(pointer)
-    if address == 0:
-        return "null"
-    return guarded(live_object_text)(pointer_to("TqBaseObject", address).dereference(), address)
+    return guarded(live_object_text)(address) if address else "null"
 
 
-def live_object_text(value, address):
-    if int(value["self"]) != address:
+def live_object_text(address):
+    if not points_at_itself(address):
         return f"what is not alive at {address:#x}"
-    return f"{class_at(address)} at {address:#x}, {references(int(value['refCount']))}"
+    count = int(pointer_to("TqBaseObject", address)["refCount"])
+    return f"{class_at(address)} at {address:#x}, {references(count)}"
+
+
+def points_at_itself(address):
+    """Whether there is a live object."""
+    return int(pointer_to("TqBaseObject", address)["self"]) == address
 
 
 def known_text(name, address):
@@ -418,8 +418,7 @@ def typed_item(pointer, kind):
 
 def untyped_item(pointer):
     """A slot may hold anything; an object shows by pointing at itself."""
-    text = object_text(pointer)
-    return text if text.endswith(("reference", "references")) else pointer
+    return object_item(pointer) if guarded(points_at_itself)(int(pointer)) is True else pointer
 
 
 ITEMS_OF = {"TqSortedStringList": "TqString", "TqCallbackChain": "TqCallback"}
@@ -433,8 +432,7 @@ def item_reader(kind):
         return lambda pointer: typed_item(pointer, item)
     if kind.name.startswith("TqPtrList<"):
         return lambda pointer: typed_item(pointer, kind.template_argument(0))
-    return object_item if re.match("TqBaseRefList|TqRefList<|TqClassReg", kind.name) \
-        else untyped_item
+    return object_item if derives(kind, "TqBaseRefList") else untyped_item
 
 
 def number_text(field):
@@ -795,7 +793,7 @@ def mutexes_in(kind, address):
         if derives(kind, base):
             part = gdb.Value(address).cast(kind.pointer()).cast(gdb.lookup_type(base).pointer())
             name = class_at(int(part))
-            if base == "TqBaseRef" or int(part["self"]) == int(part):
+            if base == "TqBaseRef" or points_at_itself(int(part)):
                 yield int(part[field].address), f"{field} of {name} at {address:#x}"
 
 
