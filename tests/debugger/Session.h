@@ -9,7 +9,7 @@
 /// What a debugger is asked at each stop and what it has to say, in files of its own for each.
 class Session {
 public:
-    Session(const char* folder, void (*stop)()) : folder(folder), lookHere(stop) {}
+    Session(const char* written, void (*stop)()) : folder(written), lookHere(stop) {}
 
     /// What follows are names that this function knows.
     void In(const std::string& function) {
