@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "internal/TqMemory.h"
 #include "internal/TqPrivate.h"
 #include "internal/TqSlots.h"
 
@@ -20,7 +21,7 @@ std::size_t SizeOfSlots(unsigned int capacity) {
 }
 
 void** NewSlots(unsigned int capacity) {
-    return static_cast<void**>(std::malloc(SizeOfSlots(capacity)));
+    return static_cast<void**>(TqAllocate(SizeOfSlots(capacity)));
 }
 
 void** CopyOfSlots(const TqBaseList& list) {
@@ -30,8 +31,8 @@ void** CopyOfSlots(const TqBaseList& list) {
 }
 
 void Resize(TqBaseList& list, unsigned int capacity) {
+    list.slots = static_cast<void**>(TqReallocate(list.slots, SizeOfSlots(capacity)));
     list.capacity = capacity;
-    list.slots = static_cast<void**>(std::realloc(list.slots, SizeOfSlots(capacity)));
 }
 
 }  // namespace
@@ -110,8 +111,8 @@ void TqBaseList::InsertSlot(unsigned int index, void* item) {
     // Entry 0 takes one of the entries that `capacity` counts, so the array is full one item
     // earlier. The new room is counted from the items and not from the old array: what `PreAlloc`
     // made larger grows by the same step.
+    if (count + 1 == capacity) Resize(*this, capacity + growthStep);
     ++count;
-    if (count == capacity) Resize(*this, count + growthStep);
     if (count > index) {
         TqCopyBytes(slots + index + 1, slots + index, (count - index) * sizeof(void*));
     }

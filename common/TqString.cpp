@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "internal/TqItem.h"
+#include "internal/TqMemory.h"
 #include "internal/TqPrivate.h"
 
 namespace {
@@ -46,7 +47,7 @@ void CopyText(char* to, const char* text, unsigned int count) {
 }
 
 char* NewBlock(const char* text, unsigned int count) {
-    char* block = static_cast<char*>(std::malloc(std::size_t(count) + 1));
+    char* block = static_cast<char*>(TqAllocate(std::size_t(count) + 1));
     CopyText(block, text, count);
     return block;
 }
@@ -94,10 +95,10 @@ void Grow(TqString& string, unsigned int length) {
     const unsigned int capacity = (length + 16) / 16 * 16;
     char* block;
     if (IsInternal(string)) {
-        block = static_cast<char*>(std::malloc(capacity));
+        block = static_cast<char*>(TqAllocate(capacity));
         CopyText(block, string.data, capacity - 1);
     } else {
-        block = static_cast<char*>(std::realloc(string.data, capacity));
+        block = static_cast<char*>(TqReallocate(string.data, capacity));
         std::memset(block + string.capacity, 0, capacity - string.capacity);
     }
     string.data = block;
@@ -152,7 +153,7 @@ void TqString::SetValue(const char* text, unsigned int count) {
     if (text != nullptr &&
         (TqLiesIn(text, internalData, sizeof internalData) || TqLiesIn(text, data, capacity))) {
         // Clearing would destroy a text that lies in this very string, as it does in a trim.
-        char* copy = strndup(text, count);
+        char* copy = static_cast<char*>(TqFound(strndup(text, count)));
         SetValue(copy, count);
         std::free(copy);
         return;
