@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 
+#include "internal/TqMemory.h"
 #include "internal/TqPrivate.h"
 #include "internal/TqSlots.h"
 
@@ -21,7 +22,7 @@ std::size_t SizeOfSlots(unsigned int capacity) {
 }
 
 void** NewSlots(unsigned int capacity) {
-    return static_cast<void**>(std::malloc(SizeOfSlots(capacity)));
+    return static_cast<void**>(TqAllocate(SizeOfSlots(capacity)));
 }
 
 void** CopyOfSlots(const TqBaseList& list) {
@@ -31,8 +32,8 @@ void** CopyOfSlots(const TqBaseList& list) {
 }
 
 void Resize(TqBaseList& list, unsigned int capacity) {
+    list.slots = static_cast<void**>(TqReallocate(list.slots, SizeOfSlots(capacity)));
     list.capacity = capacity;
-    list.slots = static_cast<void**>(std::realloc(list.slots, SizeOfSlots(capacity)));
 }
 
 }  // namespace

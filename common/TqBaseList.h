@@ -98,8 +98,8 @@ TQ_BASE_LIST_BODY void TqBaseList::InsertSlot(unsigned int index, void* item) {
     // Entry 0 takes one of the entries that `capacity` counts, so the array is full one item
     // earlier. The new room is counted from the items and not from the old array: what `PreAlloc`
     // made larger grows by the same step.
+    if (__builtin_expect(count + 1 == capacity, 0)) PreAlloc(capacity + 16);
     ++count;
-    if (__builtin_expect(count == capacity, 0)) PreAlloc(count + 16);
     if (count > index) {
         __builtin_memmove(slots + index + 1, slots + index, (count - index) * sizeof(void*));
     }

@@ -7,6 +7,7 @@
 #include "TqString.h"
 #include "internal/TqDigits.h"
 #include "internal/TqItem.h"
+#include "internal/TqMemory.h"
 #include "internal/TqPrivate.h"
 
 namespace {
@@ -30,7 +31,7 @@ void ZeroInternalData(TqBuffer& buffer) {
 // Every heap block has a byte more than its capacity: the one behind the counted bytes that PutAt
 // may store.
 unsigned char* NewBlock(unsigned int capacity) {
-    return static_cast<unsigned char*>(std::malloc(std::size_t(capacity) + 1));
+    return static_cast<unsigned char*>(TqAllocate(std::size_t(capacity) + 1));
 }
 
 // How many bytes there are at `data`, counted or not.
@@ -111,7 +112,7 @@ void TqMakeRoom(TqBuffer& buffer, unsigned int count) {
         TqCopyBytes(block, buffer.internalData, internalCapacity);
         ZeroInternalData(buffer);
     } else {
-        block = static_cast<unsigned char*>(std::realloc(buffer.data, std::size_t(capacity) + 1));
+        block = static_cast<unsigned char*>(TqReallocate(buffer.data, std::size_t(capacity) + 1));
     }
     UseBlock(buffer, block, capacity);
 }

@@ -4,6 +4,7 @@
 
 #include "TqString.h"
 #include "internal/TqDigits.h"
+#include "internal/TqMemory.h"
 #include "internal/TqPrivate.h"
 
 namespace {
@@ -18,7 +19,7 @@ std::size_t BytesOf(unsigned int count) {
 }
 
 unsigned int* NewBlock(unsigned int capacity) {
-    return static_cast<unsigned int*>(std::malloc(BytesOf(capacity)));
+    return static_cast<unsigned int*>(TqAllocate(BytesOf(capacity)));
 }
 
 unsigned int* HeapBlock(TqSnmpOid& oid) {
@@ -138,13 +139,14 @@ void TqSnmpOid::Append(const char* text) {
 
 void TqSnmpOid::CheckAllocSize(unsigned int needed) {
     if (needed <= capacity) return;
-    capacity = SmallestMultiple(capacity, needed);
+    const unsigned int enough = SmallestMultiple(capacity, needed);
     if (HeapBlock(*this) == nullptr) {
-        values = NewBlock(capacity);
+        values = NewBlock(enough);
         TqCopyBytes(values, internalValues, BytesOf(count));
     } else {
-        values = static_cast<unsigned int*>(std::realloc(values, BytesOf(capacity)));
+        values = static_cast<unsigned int*>(TqReallocate(values, BytesOf(enough)));
     }
+    capacity = enough;
 }
 
 void TqSnmpOid::SetValues(const unsigned long* numbers, unsigned int n) {

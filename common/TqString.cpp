@@ -8,6 +8,7 @@
 
 #include "internal/TqDigits.h"
 #include "internal/TqItem.h"
+#include "internal/TqMemory.h"
 #include "internal/TqPrivate.h"
 
 namespace {
@@ -119,7 +120,7 @@ void CopyText(char* to, const char* text, unsigned int count) {
 }
 
 char* NewBlock(const char* text, unsigned int count, Extent extent) {
-    char* block = static_cast<char*>(std::malloc(std::size_t(count) + 1));
+    char* block = static_cast<char*>(TqAllocate(std::size_t(count) + 1));
     if (extent == promised) {
         CopyText(block, text, count);
         return block;
@@ -177,7 +178,7 @@ void Set(TqString& string, const char* text, unsigned int count, Extent extent) 
     if (text != nullptr && (TqLiesIn(text, string.internalData, sizeof string.internalData) ||
                             TqLiesIn(text, string.data, string.capacity))) {
         // Clearing would destroy a text that lies in this very string, as it does in a trim.
-        char* copy = strndup(text, count);
+        char* copy = static_cast<char*>(TqFound(strndup(text, count)));
         Set(string, copy, count, promised);
         std::free(copy);
         return;
@@ -201,10 +202,10 @@ void Grow(TqString& string, unsigned int length) {
     const unsigned int capacity = (length + 16) / 16 * 16;
     char* block;
     if (IsInternal(string)) {
-        block = static_cast<char*>(std::malloc(capacity));
+        block = static_cast<char*>(TqAllocate(capacity));
         CopyText(block, string.data, capacity - 1);
     } else {
-        block = static_cast<char*>(std::realloc(string.data, capacity));
+        block = static_cast<char*>(TqReallocate(string.data, capacity));
         std::memset(block + string.capacity, 0, capacity - string.capacity);
     }
     string.data = block;

@@ -286,6 +286,23 @@ TEST_F(TqDownloadFetch, AWatcherIsToldOfPiecesAndOfSilence) {
     EXPECT_GE(seen.longest, 200u);
 }
 
+TEST_F(TqDownloadFetch, WhatAWatcherThrowsLeavesNeitherBytesNorFiles) {
+    WriteFile(served.Path("motd"), RandomBytes(3000, 1));
+    WriteFile(directory.Path("motd"), "before");
+    const Child server = Serve();
+    TqDownload download(HostName().c_str(), "motd");
+    download.watch = [](void*, unsigned long long, unsigned int) {
+        throw std::runtime_error("enough");
+    };
+    TqBuffer buffer;
+    buffer.Append(reinterpret_cast<const unsigned char*>("before"), 6);
+    EXPECT_THROW(download.ToBuffer(buffer), std::runtime_error);
+    EXPECT_EQ(ContentOf(buffer), "before");
+    EXPECT_THROW(download.ToFile(directory.Path("motd").c_str()), std::runtime_error);
+    EXPECT_EQ(directory.Names(), std::vector<std::string>({"motd"}));
+    EXPECT_EQ(ReadFile(directory.Path("motd")), "before");
+}
+
 TEST_F(TqDownloadFetch, AWatcherMayCancel) {
     const Child server = Answer([](const UdpSocket&, const Endpoint&, const Octets&) {});
     TqDownload download(HostName().c_str(), "motd");

@@ -190,6 +190,8 @@ const TqReportRow tqReportTable[] = {
      "TqFloat::Equals: `other` is no float; it is read as one all the same"},
     {"TqFunctionCb", "TqFunctionCb::operator=", "",
      "TqFunctionCb::operator=: a callback is assigned; nothing is changed"},
+    {"TqHooks", "TqMemoryHasEnded", "",
+     "TqHooks: no memory is left for a value or a list; the process is aborted"},
     {"TqNumber", "TqNumber::Compare", "other.TypeId() != ownTypeId",
      "TqNumber::Compare: `other` is no number; it is read as one all the same"},
     {"TqNumber", "TqNumber::Equals", "TypeId() != other->TypeId()",
