@@ -3,9 +3,9 @@
 
   recipes_test.py COMPILER [EMULATOR...]
 
-Reads each recipe as its system does, checks its variables, and runs the configure, build and install
-lines that the system would, with this cross compiler. Buildroot's is built with the library alone,
-OpenEmbedded's with everything.
+Reads each recipe as its system does, checks its variables, and runs the configure, build and
+install lines that the system would, with this cross compiler. Buildroot's is built with the library
+alone, OpenEmbedded's with everything.
 """
 
 import os
@@ -70,8 +70,8 @@ class Buildroot:
                 for name in ("COMFORT", "TOOLS")]
 
     def describes_itself(self):
-        name = re.fullmatch(r"name: ([A-Z0-9_]+)\ndesc: .+\n", (self.tree / "external.desc").read_text())
-        expect(name and name[1] == "TQCOMMON", "external.desc is malformed")
+        description = (self.tree / "external.desc").read_text()
+        expect(re.fullmatch(r"name: TQCOMMON\ndesc: .+\n", description), "external.desc is malformed")
         for sourced in re.findall(r'source "\$BR2_EXTERNAL_TQCOMMON_PATH/(.+)"',
                                   (self.tree / "Config.in").read_text()):
             expect((self.tree / sourced).exists(), f"Config.in sources {sourced}")
@@ -92,7 +92,7 @@ class Buildroot:
 
     def options_decide(self):
         for chosen in ({}, {"COMFORT": True}, {"COMFORT": True, "TOOLS": True}):
-            words = run([*self.make, "--warn-undefined-variables", *self.defined(chosen), "options"])
+            words = run([*self.make, *self.defined(chosen), "--warn-undefined-variables", "options"])
             version, site, method, *options = words.split()
             expect(version == VERSION, f"version {version}, not {VERSION}")
             expect(pathlib.Path(site) == SOURCE and method == "local", f"sources in {site}")
@@ -105,7 +105,8 @@ class Buildroot:
 class Recipe:
     """A recipe's variables, as bitbake has them."""
 
-    LINE = re.compile(r"([A-Za-z][\w:${}-]*)(?:\[([\w-]+)\])? *(\?\?=|\?=|:=|=\+|\+=|=\.|\.=|=) *\"(.*)\"")
+    LINE = re.compile(r"([A-Za-z][\w:${}-]*)(?:\[([\w-]+)\])? *"
+                      r"(\?\?=|\?=|:=|=\+|\+=|=\.|\.=|=) *\"(.*)\"")
 
     def __init__(self, path, defaults):
         self.values = dict(defaults)
@@ -136,8 +137,9 @@ class Recipe:
             self.values.setdefault(name, value)
         else:
             old = self.values.get(name, "")
-            self.values[name] = {"=": value, ":=": value, "+=": f"{old} {value}", "=+": f"{value} {old}",
-                                 ".=": old + value, "=.": value + old}[operator]
+            self.values[name] = {"=": value, ":=": value, "+=": f"{old} {value}",
+                                 "=+": f"{value} {old}", ".=": old + value,
+                                 "=.": value + old}[operator]
 
     def expand(self, text):
         def value_of(name):
