@@ -139,7 +139,7 @@ private:
         const std::size_t end =
             std::min(input.find_first_not_of(characters, position), input.size());
         if (end == position) Fail("a value is missing");
-        const std::string word = input.substr(position, end - position);
+        std::string word = input.substr(position, end - position);
         position = end;
         return word;
     }
