@@ -9,7 +9,8 @@ const char sourceName[] = "TqBaseObject";
 
 // What both count operations do first. The checks are unlocked reads, and no failure keeps the
 // count from changing.
-TQ_READS_ANY_OBJECT void CheckAndLock(TqBaseObject* obj, unsigned int seq) {
+TQ_READS_ANY_OBJECT void CheckAndLock(TqBaseObject* obj, unsigned int seq)
+    TQ_TAKES(obj->objectMutex) {
     TQ_REPORT_IF(obj->destroying != 0);
     TQ_REPORT_IF(obj->self != obj);
     TQ_REPORT_IF(obj->seqNum != seq);
