@@ -22,7 +22,7 @@ void TellReport(const char* source, int) {
     for (; *source != '\0'; ++source) TellByte(static_cast<unsigned char>(*source));
 }
 
-char printed[4096];
+char printed[1 << 17];
 std::size_t printedCount;
 
 ssize_t KeepPrinted(void*, const char* text, std::size_t count) {

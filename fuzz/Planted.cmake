@@ -9,8 +9,7 @@ tq_planted(handles common/TqBaseRef.cpp [[s/obj == nullptr ? 0 : obj->seqNum/obj
 tq_planted(identifiers common/TqSnmpOid.cpp [[s/+ (needed % step != 0)/+ 1/]])
 tq_planted(addresses common/TqIpAddress.cpp [[s/field > 255/field > 256/]])
 tq_planted(chains common/TqCallbackChain.cpp
-    [[s/for (unsigned int i = 1/for (unsigned int i = 1, end = count/
-s/i <= count/i <= end/]])
+    [[s/i = 1; i <= count/i = 1, end = count; i <= end/]])
 tq_planted(files common/TqFile.cpp [[s/fgets(line, sizeof line/fgets(line, sizeof line - 1/]])
 tq_planted(tftp common/TqTftp.cpp [[s/AcknowledgedBlock() == 0 || sender/true || sender/]])
 tq_planted(ifagent examples/ifagent/Interface.cpp [[s/std::min(packets, \(.*\))/\1/]])

@@ -22,7 +22,7 @@ function(tq_planted target source script)
     get_filename_component(name ${source} NAME)
     set(changed ${CMAKE_CURRENT_BINARY_DIR}/planted/${target}/${name})
     add_custom_command(OUTPUT ${changed}
-        COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/plant.sh ${PROJECT_SOURCE_DIR}/${source} ${script}
+        COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/plant.sh ${PROJECT_SOURCE_DIR}/${source} "${script}"
             ${changed}
         DEPENDS ${PROJECT_SOURCE_DIR}/${source} plant.sh Targets.cmake
         VERBATIM)

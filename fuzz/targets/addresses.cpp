@@ -33,7 +33,8 @@ unsigned int AnyNumber(Input& input) {
 // A text that may be an address.
 std::string AnyText(Input& input) {
     if (input.Below(2) == 0) return input.Text(24);
-    return DottedText(AnyNumber(input)) + input.Text(2);
+    const std::string address = DottedText(AnyNumber(input));
+    return address + input.Text(2);
 }
 
 void TakeText(TqIpAddress& address, Model& model, Input& input) {

