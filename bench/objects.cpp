@@ -1,115 +1,189 @@
-// Counts, handles, lists and lookups, beside the standard library doing the same.
+// Counts, handles and objects: this library, the standard library, and the mutexes that this
+// library must take, alone.
 
-#include <benchmark/benchmark.h>
-
-#include <map>
 #include <memory>
-#include <mutex>
-#include <string>
 #include <vector>
 
-#include "TqBaseList.h"
+#include "Duty.h"
 #include "TqBaseRef.h"
-#include "TqBaseRefList.h"
-#include "TqClassRegistry.h"
 
 namespace {
 
-void MakeAndDropTq(benchmark::State& state) {
-    for (auto _ : state) {
-        TqRef<TqBaseObject> held(new TqBaseObject);
-        benchmark::DoNotOptimize(held.object);
-    }
-}
-BENCHMARK(MakeAndDropTq);
-
-struct Guarded {
-    virtual ~Guarded() = default;
-    std::mutex mutex;
+struct Plain {
+    virtual ~Plain() = default;
+    int value = 0;
 };
 
-void MakeAndDropShared(benchmark::State& state) {
-    for (auto _ : state) {
-        std::shared_ptr<Guarded> held(new Guarded);
-        benchmark::DoNotOptimize(held.get());
-    }
-}
-BENCHMARK(MakeAndDropShared);
+using Handles = std::vector<TqRef<TqBaseObject>>;
+using Pointers = std::vector<std::shared_ptr<Plain>>;
 
-void CountTq(benchmark::State& state) {
-    TqBaseObject object;
-    TqBaseObject::IncrementRefCount(&object, 0);
-    for (auto _ : state) {
-        TqBaseObject::IncrementRefCount(&object, 0);
-        TqBaseObject::DecrementRefCount(&object, 0);
-    }
-    object.refCount = 0;
+std::shared_ptr<Handles> MakeHandles(unsigned int size) {
+    auto handles = std::make_shared<Handles>();
+    handles->reserve(size);
+    for (unsigned int i = 0; i < size; ++i) handles->emplace_back(new TqBaseObject);
+    return handles;
 }
-BENCHMARK(CountTq);
 
-// The same work: a number under a mutex, up and down.
-void CountMutex(benchmark::State& state) {
-    std::mutex mutex;
+std::shared_ptr<Pointers> MakePointers(unsigned int size) {
+    auto pointers = std::make_shared<Pointers>();
+    for (unsigned int i = 0; i < size; ++i) pointers->push_back(std::make_shared<Plain>());
+    return pointers;
+}
+
+// What an object and a handle have to lock.
+struct Lockable {
+    TqLinuxMutex mutex;
     int count = 1;
-    for (auto _ : state) {
-        mutex.lock();
-        ++count;
-        mutex.unlock();
-        mutex.lock();
-        benchmark::DoNotOptimize(--count);
-        mutex.unlock();
+};
+
+void CountUnderMutex(Lockable& object, int step) {
+    object.mutex.Lock();
+    object.count += step;
+    object.mutex.Unlock();
+}
+
+using Lockables = std::unique_ptr<Lockable[]>;
+
+void CopyAndDropOfMutexes(Lockable& object, Lockable& other) {
+    Lockable own;
+    other.mutex.Lock();
+    own.mutex.Lock();
+    CountUnderMutex(object, 1);
+    own.mutex.Unlock();
+    other.mutex.Unlock();
+    own.mutex.Lock();
+    CountUnderMutex(object, -1);
+    own.mutex.Unlock();
+    Keep(own);
+}
+
+// An object and a handle whose constructors and destructors are functions, the latter virtual.
+class StatedObject : public Lockable {
+public:
+    __attribute__((noinline)) StatedObject() : self(this) {}
+    __attribute__((noinline)) virtual ~StatedObject() { self = nullptr; }
+
+private:
+    StatedObject* volatile self;
+};
+
+class StatedHandle {
+public:
+    __attribute__((noinline)) explicit StatedHandle(StatedObject* taken) : object(taken) {
+        mutex.Lock();
+        CountUnderMutex(*object, 1);
+        mutex.Unlock();
+    }
+
+    __attribute__((noinline)) virtual ~StatedHandle() {
+        mutex.Lock();
+        CountUnderMutex(*object, -1);
+        delete object;
+        mutex.Unlock();
+    }
+
+private:
+    StatedObject* object;
+    TqLinuxMutex mutex;
+};
+
+void MakeAndDropOfMutexes() {
+    const StatedHandle held(new StatedObject);
+    Keep(held);
+}
+
+const RegisterDuty countOwn("count", ownName, [](unsigned int size) -> Work {
+    return [handles = MakeHandles(size)](unsigned int times) {
+        for (; times > 0; --times) {
+            for (const TqBaseRef& handle : *handles) {
+                TqBaseObject::IncrementRefCount(handle.object, 0);
+                TqBaseObject::DecrementRefCount(handle.object, 0);
+            }
+        }
+    };
+});
+
+void CopyAndDrop(const Pointers& pointers, unsigned int times) {
+    for (; times > 0; --times) {
+        for (const std::shared_ptr<Plain>& pointer : pointers) {
+            const std::shared_ptr<Plain> copy(pointer);
+            Keep(copy);
+        }
     }
 }
-BENCHMARK(CountMutex);
 
-void InsertTq(benchmark::State& state) {
-    int item = 0;
-    for (auto _ : state) {
-        TqBaseList list;
-        for (int i = 0; i < state.range(0); ++i) list.InsertSlot(list.count + 1, &item);
-        benchmark::DoNotOptimize(list.slots);
+Work PrepareSharedCopies(unsigned int size) {
+    return [pointers = MakePointers(size)](unsigned int times) { CopyAndDrop(*pointers, times); };
+}
+
+const RegisterDuty countStd("count", "std::shared_ptr", PrepareSharedCopies);
+
+const RegisterDuty countFloor("count", "the mutexes alone", [](unsigned int size) -> Work {
+    return [objects = std::make_shared<Lockables>(new Lockable[size]), size](unsigned int times) {
+        for (; times > 0; --times) {
+            for (unsigned int i = 0; i < size; ++i) {
+                CountUnderMutex((*objects)[i], 1);
+                CountUnderMutex((*objects)[i], -1);
+            }
+        }
+    };
+});
+
+const RegisterDuty handleOwn("handle", ownName, [](unsigned int size) -> Work {
+    return [handles = MakeHandles(size)](unsigned int times) {
+        for (; times > 0; --times) {
+            for (const TqRef<TqBaseObject>& handle : *handles) {
+                const TqRef<TqBaseObject> copy(handle);
+                Keep(copy);
+            }
+        }
+    };
+});
+
+const RegisterDuty handleStd("handle", "std::shared_ptr", PrepareSharedCopies);
+
+const RegisterDuty handleFloor("handle", "the mutexes alone", [](unsigned int size) -> Work {
+    return [objects = std::make_shared<Lockables>(new Lockable[size]),
+            handles = std::make_shared<Lockables>(new Lockable[size]), size](unsigned int times) {
+        for (; times > 0; --times) {
+            for (unsigned int i = 0; i < size; ++i) {
+                CopyAndDropOfMutexes((*objects)[i], (*handles)[i]);
+            }
+        }
+    };
+});
+
+// All alive at once, made and dropped in order.
+const RegisterDuty objectOwn("object", ownName, [](unsigned int size) -> Work {
+    if (size == 1) {
+        return [](unsigned int times) {
+            for (; times > 0; --times) {
+                const TqRef<TqBaseObject> held(new TqBaseObject);
+                Keep(held);
+            }
+        };
     }
-}
-BENCHMARK(InsertTq)->Arg(15)->Arg(1000);
+    return [size](unsigned int times) {
+        for (; times > 0; --times) Keep(MakeHandles(size));
+    };
+});
 
-void InsertVector(benchmark::State& state) {
-    int item = 0;
-    for (auto _ : state) {
-        std::vector<void*> list;
-        list.reserve(16);
-        for (int i = 0; i < state.range(0); ++i) list.push_back(&item);
-        benchmark::DoNotOptimize(list.data());
+const RegisterDuty objectStd("object", "std::make_shared", [](unsigned int size) -> Work {
+    if (size == 1) {
+        return [](unsigned int times) {
+            for (; times > 0; --times) Keep(std::make_shared<Plain>());
+        };
     }
-}
-BENCHMARK(InsertVector)->Arg(15)->Arg(1000);
+    return [size](unsigned int times) {
+        for (; times > 0; --times) Keep(MakePointers(size));
+    };
+});
 
-TqBaseObject* NoObject() {
-    return nullptr;
-}
-
-std::string ClassName(int i) {
-    return "Monitor" + std::to_string(i);
-}
-
-void LookupTq(benchmark::State& state) {
-    TqClassRegistry registry;
-    const int classes = static_cast<int>(state.range(0));
-    for (int i = 0; i < classes; ++i) {
-        registry.classList.InsertSlot(registry.classList.count + 1,
-                                      new TqClassInfo(ClassName(i).c_str(), NoObject, nullptr));
-    }
-    const std::string name = ClassName(classes / 2);
-    for (auto _ : state) benchmark::DoNotOptimize(registry.ClassInfo(name.c_str()));
-}
-BENCHMARK(LookupTq)->Arg(20)->Arg(200);
-
-void LookupMap(benchmark::State& state) {
-    std::map<std::string, int> registry;
-    const int classes = static_cast<int>(state.range(0));
-    for (int i = 0; i < classes; ++i) registry[ClassName(i)] = i;
-    const std::string name = ClassName(classes / 2);
-    for (auto _ : state) benchmark::DoNotOptimize(registry.find(std::string(name.c_str())));
-}
-BENCHMARK(LookupMap)->Arg(20)->Arg(200);
+const RegisterDuty objectFloor("object", "the mutexes and new", [](unsigned int size) -> Work {
+    if (size != 1) return Work();
+    return [](unsigned int times) {
+        for (; times > 0; --times) MakeAndDropOfMutexes();
+    };
+});
 
 }  // namespace

@@ -1,151 +1,282 @@
-// Strings, buffers and items, beside the standard library doing the same.
+// Numbers, items, identifiers and addresses: this library, and what a program of the standard and
+// the C library does instead.
 
-#include <benchmark/benchmark.h>
+#include <arpa/inet.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
+#include "Duty.h"
 #include "TqBuffer.h"
-#include "TqCounter.h"
+#include "TqIpAddress.h"
 #include "TqNumber.h"
+#include "TqSnmpOid.h"
 #include "TqString.h"
 
 namespace {
 
-void AppendCharTq(benchmark::State& state) {
-    for (auto _ : state) {
+const RegisterDuty numberOutOwn("number_out", ownName, [](unsigned int size) -> Work {
+    return [size](unsigned int times) {
         TqString text;
-        for (int i = 0; i < state.range(0); ++i) text.AppendChar('x');
-        benchmark::DoNotOptimize(text.data);
-    }
-}
-BENCHMARK(AppendCharTq)->Arg(20)->Arg(500);
-
-void AppendCharStd(benchmark::State& state) {
-    for (auto _ : state) {
-        std::string text;
-        for (int i = 0; i < state.range(0); ++i) text.push_back('x');
-        benchmark::DoNotOptimize(text.data());
-    }
-}
-BENCHMARK(AppendCharStd)->Arg(20)->Arg(500);
-
-void AssignTq(benchmark::State& state) {
-    TqString text;
-    for (auto _ : state) {
-        text = "GigabitEthernet0/1";
-        benchmark::DoNotOptimize(text.data);
-    }
-}
-BENCHMARK(AssignTq);
-
-void AssignStd(benchmark::State& state) {
-    std::string text;
-    for (auto _ : state) {
-        text = "GigabitEthernet0/1";
-        benchmark::DoNotOptimize(text.data());
-    }
-}
-BENCHMARK(AssignStd);
-
-void NumberTextTq(benchmark::State& state) {
-    TqString text;
-    int i = 0;
-    for (auto _ : state) {
-        TqNumber(1000000 + ++i).ToString(text);
-        benchmark::DoNotOptimize(text.data);
-    }
-}
-BENCHMARK(NumberTextTq);
-
-void NumberTextSnprintf(benchmark::State& state) {
-    char text[16];
-    int i = 0;
-    for (auto _ : state) {
-        std::snprintf(text, sizeof text, "%d", 1000000 + ++i);
-        benchmark::DoNotOptimize(text);
-    }
-}
-BENCHMARK(NumberTextSnprintf);
-
-// An item as the standard library would write it: "%05u" and the digits.
-void ItemEncodeTq(benchmark::State& state) {
-    const TqNumber number(1234567);
-    TqBuffer buffer;
-    for (auto _ : state) {
-        buffer.TruncateAfter(0);
-        number.ToBuffer(buffer);
-        benchmark::DoNotOptimize(buffer.data);
-    }
-}
-BENCHMARK(ItemEncodeTq);
-
-void ItemEncodeSnprintf(benchmark::State& state) {
-    const int number = 1234567;
-    std::vector<char> buffer;
-    for (auto _ : state) {
-        buffer.clear();
-        char text[16];
-        char head[8];
-        const int length = std::snprintf(text, sizeof text, "%d", number);
-        std::snprintf(head, sizeof head, "%05u", static_cast<unsigned int>(length));
-        buffer.insert(buffer.end(), head, head + 5);
-        buffer.insert(buffer.end(), text, text + length);
-        benchmark::DoNotOptimize(buffer.data());
-    }
-}
-BENCHMARK(ItemEncodeSnprintf);
-
-void ItemDecodeTq(benchmark::State& state) {
-    TqBuffer buffer;
-    TqNumber(1234567).ToBuffer(buffer);
-    TqNumber number;
-    for (auto _ : state) {
-        buffer.readPosition = 0;
-        number.FromBuffer(buffer);
-        benchmark::DoNotOptimize(number.value);
-    }
-}
-BENCHMARK(ItemDecodeTq);
-
-void ItemDecodeStrtol(benchmark::State& state) {
-    const std::string buffer = "000071234567";
-    for (auto _ : state) {
-        const std::string head = buffer.substr(0, 5);
-        const std::string text =
-            buffer.substr(5, static_cast<std::size_t>(std::strtol(head.c_str(), nullptr, 10)));
-        long number = std::strtol(text.c_str(), nullptr, 10);
-        benchmark::DoNotOptimize(number);
-    }
-}
-BENCHMARK(ItemDecodeStrtol);
-
-// A message of many items: the buffer reallocates exactly to what it holds.
-void MessageTq(benchmark::State& state) {
-    const TqCounter counter(123456789);
-    for (auto _ : state) {
-        TqBuffer buffer;
-        for (int i = 0; i < state.range(0); ++i) counter.ToBuffer(buffer);
-        benchmark::DoNotOptimize(buffer.data);
-    }
-}
-BENCHMARK(MessageTq)->Arg(100)->Arg(10000);
-
-void MessageStd(benchmark::State& state) {
-    const unsigned int counter = 123456789;
-    for (auto _ : state) {
-        std::string buffer;
-        for (int i = 0; i < state.range(0); ++i) {
-            const std::string text = std::to_string(counter);
-            char head[8];
-            std::snprintf(head, sizeof head, "%05u", static_cast<unsigned int>(text.size()));
-            buffer.append(head, 5).append(text);
+        for (; times > 0; --times) {
+            TqNumber number(firstNumber);
+            for (unsigned int i = 0; i < size; ++i) {
+                ++number.value;
+                number.ToString(text);
+                Keep(text);
+            }
         }
-        benchmark::DoNotOptimize(buffer.data());
-    }
+    };
+});
+
+const RegisterDuty numberOutStd("number_out", "snprintf", [](unsigned int size) -> Work {
+    return [size](unsigned int times) {
+        char text[16];
+        for (; times > 0; --times) {
+            int number = firstNumber;
+            for (unsigned int i = 0; i < size; ++i) {
+                ++number;
+                std::snprintf(text, sizeof text, "%d", number);
+                Keep(text);
+            }
+        }
+    };
+});
+
+const char numberText[] = "1234567";
+
+const RegisterDuty numberInOwn("number_in", ownName, [](unsigned int size) -> Work {
+    return [size](unsigned int times) {
+        TqNumber number;
+        for (; times > 0; --times) {
+            for (unsigned int i = 0; i < size; ++i) {
+                number.FromString(Opaque(numberText));
+                Keep(number);
+            }
+        }
+    };
+});
+
+const RegisterDuty numberInStd("number_in", "strtol", [](unsigned int size) -> Work {
+    return [size](unsigned int times) {
+        for (; times > 0; --times) {
+            for (unsigned int i = 0; i < size; ++i) {
+                const long number = std::strtol(Opaque(numberText), nullptr, 10);
+                Keep(number);
+            }
+        }
+    };
+});
+
+// A message of pairs of a number and a text of 20 characters, written and read back.
+const RegisterDuty itemOwn("item", ownName, [](unsigned int size) -> Work {
+    return [size](unsigned int times) {
+        TqNumber number(firstNumber);
+        TqString text(Letters(20).c_str());
+        TqBuffer buffer;
+        for (; times > 0; --times) {
+            buffer.TruncateAfter(0);
+            for (unsigned int i = 0; i < size; ++i) {
+                number.ToBuffer(buffer);
+                text.ToBuffer(buffer);
+            }
+            for (unsigned int i = 0; i < size; ++i) {
+                number.FromBuffer(buffer);
+                text.FromBuffer(buffer);
+                Keep(number);
+                Keep(text);
+            }
+        }
+    };
+});
+
+std::size_t PrintPair(char* to, std::size_t room, int number, const char* text) {
+    char digits[16];
+    const int length = std::snprintf(digits, sizeof digits, "%d", number);
+    return static_cast<std::size_t>(std::snprintf(to, room, "%05d%s%05u%s", length, digits,
+                                                  static_cast<unsigned int>(std::strlen(text)),
+                                                  text));
 }
-BENCHMARK(MessageStd)->Arg(100)->Arg(10000);
+
+unsigned int LengthAt(const char* from) {
+    char digits[6] = {0};
+    std::memcpy(digits, from, 5);
+    return static_cast<unsigned int>(std::atoi(digits));
+}
+
+const RegisterDuty itemStd("item", "snprintf + atoi", [](unsigned int size) -> Work {
+    return [size](unsigned int times) {
+        const std::string text = Letters(20);
+        std::vector<char> message(size * 48 + 1);
+        int number = firstNumber;
+        char read[32];
+        for (; times > 0; --times) {
+            char* to = message.data();
+            for (unsigned int i = 0; i < size; ++i) to += PrintPair(to, 48, number, text.c_str());
+            const char* from = message.data();
+            for (unsigned int i = 0; i < size; ++i) {
+                number = std::atoi(from + 5);
+                from += 5 + LengthAt(from);
+                const unsigned int length = LengthAt(from);
+                std::memcpy(read, from + 5, length);
+                read[length] = '\0';
+                from += 5 + length;
+                Keep(number);
+                Keep(read);
+            }
+        }
+    };
+});
+
+const RegisterDuty oidInOwn("oid_in", ownName, [](unsigned int size) -> Work {
+    return [text = IdentifierText(size)](unsigned int times) {
+        for (; times > 0; --times) {
+            const TqSnmpOid oid(Opaque(text.c_str()));
+            Keep(oid);
+        }
+    };
+});
+
+const RegisterDuty oidInStd("oid_in", "strtoul + std::vector", [](unsigned int size) -> Work {
+    return [text = IdentifierText(size)](unsigned int times) {
+        for (; times > 0; --times) {
+            std::vector<unsigned int> numbers;
+            const char* from = Opaque(text.c_str());
+            while (*from != '\0') {
+                char* end;
+                numbers.push_back(static_cast<unsigned int>(std::strtoul(from, &end, 10)));
+                from = *end == '.' ? end + 1 : end;
+            }
+            Keep(numbers);
+        }
+    };
+});
+
+const RegisterDuty oidCompareOwn("oid_compare", ownName, [](unsigned int size) -> Work {
+    const std::string text = IdentifierText(size);
+    TqSnmpOid other(text.c_str());
+    other.Increment();
+    return [a = TqSnmpOid(text.c_str()), b = other](unsigned int times) {
+        for (; times > 0; --times) {
+            const int order = a.Compare(b);
+            Keep(order);
+        }
+    };
+});
+
+// Both are asked for their type; then the numbers are compared one by one.
+class Stated {
+public:
+    explicit Stated(const std::vector<unsigned int>& numbers) : values(numbers) {}
+    virtual ~Stated() = default;
+    virtual short TypeId() const { return typeId; }
+
+    __attribute__((noinline)) int Compare(const Stated& other) const {
+        if (other.TypeId() != TypeId()) return 0;
+        const std::size_t size = std::min(values.size(), other.values.size());
+        for (std::size_t i = 0; i < size; ++i) {
+            if (values[i] != other.values[i]) return values[i] < other.values[i] ? -1 : 1;
+        }
+        return values.size() < other.values.size() ? -1 : values.size() > size;
+    }
+
+private:
+    std::vector<unsigned int> values;
+    static short typeId;
+};
+
+short Stated::typeId = 12;
+
+const RegisterDuty oidCompareStated("oid_compare", floorName, [](unsigned int size) -> Work {
+    const std::vector<unsigned long> numbers = Numbers(size);
+    std::vector<unsigned int> values(numbers.begin(), numbers.end());
+    const Stated first(values);
+    ++values.back();
+    return [first, other = Stated(values)](unsigned int times) {
+        for (; times > 0; --times) {
+            const int order = Opaque(&first)->Compare(*Opaque(&other));
+            Keep(order);
+        }
+    };
+});
+
+int CompareStd(const std::vector<unsigned int>& a, const std::vector<unsigned int>& b) {
+    const auto difference = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
+    if (difference.second == b.end()) return difference.first != a.end();
+    if (difference.first == a.end()) return -1;
+    return *difference.first < *difference.second ? -1 : 1;
+}
+
+const RegisterDuty oidCompareStd("oid_compare", "std::mismatch", [](unsigned int size) -> Work {
+    const std::vector<unsigned long> numbers = Numbers(size);
+    const std::vector<unsigned int> first(numbers.begin(), numbers.end());
+    std::vector<unsigned int> other = first;
+    ++other.back();
+    return [first, other](unsigned int times) {
+        for (; times > 0; --times) {
+            const int order = CompareStd(*Opaque(&first), *Opaque(&other));
+            Keep(order);
+        }
+    };
+});
+
+const RegisterDuty oidOutOwn("oid_out", ownName, [](unsigned int size) -> Work {
+    return [oid = TqSnmpOid(IdentifierText(size).c_str())](unsigned int times) {
+        TqString text;
+        for (; times > 0; --times) {
+            oid.ToString(text);
+            Keep(text);
+        }
+    };
+});
+
+const RegisterDuty oidOutStd("oid_out", "std::to_string", [](unsigned int size) -> Work {
+    return [numbers = Numbers(size)](unsigned int times) {
+        std::string text;
+        for (; times > 0; --times) {
+            text.clear();
+            for (const unsigned long number : numbers) {
+                if (!text.empty()) text += '.';
+                text += std::to_string(static_cast<unsigned int>(number));
+            }
+            Keep(text);
+        }
+    };
+});
+
+const unsigned int firstAddress = 0xC0A80A01;
+
+const RegisterDuty addressOwn("address", ownName, [](unsigned int size) -> Work {
+    return [size](unsigned int times) {
+        TqString text;
+        for (; times > 0; --times) {
+            TqIpAddress address(firstAddress);
+            for (unsigned int i = 0; i < size; ++i) {
+                ++address.address;
+                address.toString(text);
+                Keep(text);
+            }
+        }
+    };
+});
+
+const RegisterDuty addressStd("address", "inet_ntop", [](unsigned int size) -> Work {
+    return [size](unsigned int times) {
+        char text[INET_ADDRSTRLEN];
+        for (; times > 0; --times) {
+            unsigned int number = firstAddress;
+            for (unsigned int i = 0; i < size; ++i) {
+                ++number;
+                const in_addr address = {htonl(number)};
+                inet_ntop(AF_INET, &address, text, sizeof text);
+                Keep(text);
+            }
+        }
+    };
+});
 
 }  // namespace

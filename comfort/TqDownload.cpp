@@ -294,10 +294,70 @@ int OnlyNewOne(const Sockets& before) {
     return found;
 }
 
-// Whether all that was written has arrived; on the disk, if it is one.
-bool IsKept(std::FILE* file, bool isPlain) {
-    return std::fflush(file) == 0 && (!isPlain || fsync(fileno(file)) == 0);
-}
+// Where a download goes: into a file beside the one that it is to replace, which is gone again when
+// it was not kept, or into what is no plain file.
+class Target {
+public:
+    explicit Target(const char* wanted)
+        : path(wanted), isPlain(IsPlain(wanted)), own(wanted), file(nullptr) {
+        if (isPlain) own += ".part";
+        file = std::fopen(own.data, "we");
+    }
+    ~Target() {
+        if (file == nullptr) return;
+        std::fclose(file);
+        if (isPlain && !isKept) std::remove(own.data);
+    }
+    Target(const Target&) = delete;
+    Target& operator=(const Target&) = delete;
+
+    bool IsOpen() const { return file != nullptr; }
+
+    bool Write(const unsigned char* bytes, unsigned int count) {
+        return std::fwrite(bytes, 1, count, file) == count;
+    }
+
+    // Whether all that was written has arrived; on the disk, if it is one.
+    bool Keep() {
+        isKept = std::fflush(file) == 0 &&
+                 (!isPlain || (fsync(fileno(file)) == 0 && std::rename(own.data, path) == 0));
+        return isKept;
+    }
+
+private:
+    static bool IsPlain(const char* path) {
+        struct stat status;
+        return stat(path, &status) != 0 || S_ISREG(status.st_mode);
+    }
+
+    const char* const path;
+    const bool isPlain;
+    TqString own;
+    std::FILE* file;
+    bool isKept = false;
+};
+
+// What is appended to a buffer, and taken back again unless it was kept.
+class Addition {
+public:
+    explicit Addition(TqBuffer& changed)
+        : buffer(changed), length(changed.length), position(changed.readPosition) {}
+    ~Addition() {
+        if (isKept) return;
+        buffer.TruncateAfter(length);
+        buffer.readPosition = position;
+    }
+    Addition(const Addition&) = delete;
+    Addition& operator=(const Addition&) = delete;
+
+    void Keep() { isKept = true; }
+
+private:
+    TqBuffer& buffer;
+    const unsigned int length;
+    const unsigned int position;
+    bool isKept = false;
+};
 
 void OnTick(int) {}
 
@@ -610,36 +670,23 @@ unsigned int TqDownload::Take(const unsigned char* block, unsigned int length, R
 }
 
 unsigned int TqDownload::ToBuffer(TqBuffer& buffer) {
-    const unsigned int before = buffer.length;
-    const unsigned int position = buffer.readPosition;
+    Addition addition(buffer);
     auto append = [&buffer](const unsigned char* piece, unsigned int count) {
         buffer.Append(piece, count);
         return true;
     };
-    if (ToFunction(append) == complete) return result;
-    buffer.TruncateAfter(before);
-    buffer.readPosition = position;
+    if (ToFunction(append) == complete) addition.Keep();
     return result;
 }
 
 unsigned int TqDownload::ToFile(const char* path) {
     Begin();
-    struct stat status;
-    const bool isPlain = stat(path, &status) != 0 || S_ISREG(status.st_mode);
-    const TqString target = isPlain ? TqString(path) + ".part" : TqString(path);
-    std::FILE* file = std::fopen(target.data, "we");
-    if (file == nullptr) return End(refused, std::strerror(errno));
-    auto write = [file](const unsigned char* piece, unsigned int count) {
-        return std::fwrite(piece, 1, count, file) == count;
+    Target target(path);
+    if (!target.IsOpen()) return End(refused, std::strerror(errno));
+    auto write = [&target](const unsigned char* piece, unsigned int count) {
+        return target.Write(piece, count);
     };
-    ToFunction(write);
-    if (result == complete && !IsKept(file, isPlain)) End(refused, std::strerror(errno));
-    std::fclose(file);
-    if (!isPlain) return result;
-    if (result == complete && std::rename(target.data, path) != 0) {
-        End(refused, std::strerror(errno));
-    }
-    if (result != complete) std::remove(target.data);
+    if (ToFunction(write) == complete && !target.Keep()) End(refused, std::strerror(errno));
     return result;
 }
 

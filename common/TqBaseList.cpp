@@ -1,7 +1,9 @@
+#define TQ_BASE_LIST_BODY
 #include "TqBaseList.h"
 
 #include <cstdlib>
 
+#include "internal/TqMemory.h"
 #include "internal/TqPrivate.h"
 #include "internal/TqSlots.h"
 
@@ -20,7 +22,7 @@ std::size_t SizeOfSlots(unsigned int capacity) {
 }
 
 void** NewSlots(unsigned int capacity) {
-    return static_cast<void**>(std::malloc(SizeOfSlots(capacity)));
+    return static_cast<void**>(TqAllocate(SizeOfSlots(capacity)));
 }
 
 void** CopyOfSlots(const TqBaseList& list) {
@@ -30,8 +32,8 @@ void** CopyOfSlots(const TqBaseList& list) {
 }
 
 void Resize(TqBaseList& list, unsigned int capacity) {
+    list.slots = static_cast<void**>(TqReallocate(list.slots, SizeOfSlots(capacity)));
     list.capacity = capacity;
-    list.slots = static_cast<void**>(std::realloc(list.slots, SizeOfSlots(capacity)));
 }
 
 }  // namespace
@@ -91,31 +93,6 @@ void TqBaseList::SwapItems(unsigned int a, unsigned int b) {
 // The array stays: the lists of a device are filled again and again, with as many items each time.
 void TqBaseList::RemoveAllItems() {
     count = 0;
-}
-
-void TqBaseList::RemoveSlot(unsigned int index) {
-    // No check of the index or the count: derived lists make theirs before they call, and report in
-    // their own name.
-    if (index != count) {
-        TqCopyBytes(slots + index, slots + index + 1, (count - index) * sizeof(void*));
-    }
-    --count;
-}
-
-void TqBaseList::InsertSlot(unsigned int index, void* item) {
-    if (item == nullptr) {
-        TqCallAssert(sourceName, __LINE__);
-        return;
-    }
-    // Entry 0 takes one of the entries that `capacity` counts, so the array is full one item
-    // earlier. The new room is counted from the items and not from the old array: what `PreAlloc`
-    // made larger grows by the same step.
-    ++count;
-    if (count == capacity) Resize(*this, count + growthStep);
-    if (count > index) {
-        TqCopyBytes(slots + index + 1, slots + index, (count - index) * sizeof(void*));
-    }
-    slots[index] = item;
 }
 
 void TqBaseList::ReplaceSlot(unsigned int index, void* item) {

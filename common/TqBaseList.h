@@ -75,4 +75,38 @@ protected:
         : TqBaseObject(other), capacity(0), count(0), slots(nullptr), walkDepth(0) {}
 };
 
+#if !defined(TQ_BASE_LIST_BODY) && defined(TQ_COMPILED_IN)
+#define TQ_BASE_LIST_BODY TQ_COMPILED_IN
+#endif
+#ifdef TQ_BASE_LIST_BODY
+// NOLINTBEGIN(misc-definitions-in-headers): only the source of the class defines them
+
+TQ_BASE_LIST_BODY void TqBaseList::RemoveSlot(unsigned int index) {
+    // No check of the index or the count: derived lists make theirs before they call, and report in
+    // their own name.
+    if (index != count) {
+        __builtin_memmove(slots + index, slots + index + 1, (count - index) * sizeof(void*));
+    }
+    --count;
+}
+
+TQ_BASE_LIST_BODY void TqBaseList::InsertSlot(unsigned int index, void* item) {
+    if (item == nullptr) {
+        TqCallAssert("TqBaseList", __LINE__);
+        return;
+    }
+    // Entry 0 takes one of the entries that `capacity` counts, so the array is full one item
+    // earlier. The new room is counted from the items and not from the old array: what `PreAlloc`
+    // made larger grows by the same step.
+    if (__builtin_expect(count + 1 == capacity, 0)) PreAlloc(capacity + 16);
+    ++count;
+    if (count > index) {
+        __builtin_memmove(slots + index + 1, slots + index, (count - index) * sizeof(void*));
+    }
+    slots[index] = item;
+}
+
+// NOLINTEND(misc-definitions-in-headers)
+#endif
+
 #endif

@@ -1,3 +1,4 @@
+#define TQ_BASE_OBJECT_BODY
 #include "TqBaseObject.h"
 
 #include "TqClassInfo.h"
@@ -6,15 +7,6 @@
 namespace {
 
 const char sourceName[] = "TqBaseObject";
-
-// What both count operations do first. The checks are unlocked reads, and no failure keeps the
-// count from changing.
-TQ_READS_ANY_OBJECT void CheckAndLock(TqBaseObject* obj, unsigned int seq) {
-    TQ_REPORT_IF(obj->destroying != 0);
-    TQ_REPORT_IF(obj->self != obj);
-    TQ_REPORT_IF(obj->seqNum != seq);
-    TQ_REPORT_IF(obj->objectMutex.Lock() != 0);
-}
 
 }  // namespace
 
@@ -59,24 +51,4 @@ int TqBaseObject::IsA(const char* name) const {
     TqClassInfo* own = ClassInfo();
     TQ_REPORT_IF(own == nullptr);
     return own == nullptr ? 0 : own->IsA(name);
-}
-
-void TqBaseObject::IncrementRefCount(TqBaseObject* obj, unsigned int seq) {
-    if (obj == nullptr) return;
-    CheckAndLock(obj, seq);
-    ++obj->refCount;
-    TQ_REPORT_IF(obj->objectMutex.Unlock() != 0);
-}
-
-int TqBaseObject::DecrementRefCount(TqBaseObject* obj, unsigned int seq) {
-    if (obj == nullptr) return 0;
-    CheckAndLock(obj, seq);
-    // Only exactly 0 deletes. A count that was below it already came from one drop too many, and to
-    // delete then would be to delete twice.
-    const bool last = --obj->refCount == 0;
-    if (last) obj->destroying = 1;
-    TQ_REPORT_IF(obj->objectMutex.Unlock() != 0);
-    // Only after the unlock: the mutex goes with the object.
-    if (last) delete obj;
-    return last ? 1 : 0;
 }

@@ -3,6 +3,7 @@
 
 #include "TqDeclareClass.h"
 #include "TqExport.h"
+#include "TqHooks.h"
 #include "TqLinuxMutex.h"
 
 class TqBaseObject;
@@ -73,5 +74,44 @@ public:
 
 /// The factory of `TqBaseObject`: null, a bare base object is never made by name.
 TQ_API TqBaseObject* TqBaseObjectNewFunc();
+
+#if !defined(TQ_BASE_OBJECT_BODY) && defined(TQ_COMPILED_IN) && defined(TQ_LINUX_MUTEX_INLINE)
+#define TQ_BASE_OBJECT_BODY TQ_COMPILED_IN
+#endif
+#ifdef TQ_BASE_OBJECT_BODY
+// NOLINTBEGIN(misc-definitions-in-headers): only the source of the class defines them
+
+// The checks are unlocked reads, and no failure keeps the count from changing.
+
+TQ_BASE_OBJECT_BODY TQ_READS_ANY_OBJECT void TqBaseObject::IncrementRefCount(TqBaseObject* obj,
+                                                                             unsigned int seq) {
+    if (obj == nullptr) return;
+    if (obj->destroying != 0) TqCallAssert("TqBaseObject", __LINE__);
+    if (obj->self != obj) TqCallAssert("TqBaseObject", __LINE__);
+    if (obj->seqNum != seq) TqCallAssert("TqBaseObject", __LINE__);
+    if (obj->objectMutex.Lock() != 0) TqCallAssert("TqBaseObject", __LINE__);
+    ++obj->refCount;
+    if (obj->objectMutex.Unlock() != 0) TqCallAssert("TqBaseObject", __LINE__);
+}
+
+TQ_BASE_OBJECT_BODY TQ_READS_ANY_OBJECT int TqBaseObject::DecrementRefCount(TqBaseObject* obj,
+                                                                            unsigned int seq) {
+    if (obj == nullptr) return 0;
+    if (obj->destroying != 0) TqCallAssert("TqBaseObject", __LINE__);
+    if (obj->self != obj) TqCallAssert("TqBaseObject", __LINE__);
+    if (obj->seqNum != seq) TqCallAssert("TqBaseObject", __LINE__);
+    if (obj->objectMutex.Lock() != 0) TqCallAssert("TqBaseObject", __LINE__);
+    // Only exactly 0 deletes. A count that was below it already came from one drop too many, and to
+    // delete then would be to delete twice.
+    const bool last = --obj->refCount == 0;
+    if (last) obj->destroying = 1;
+    if (obj->objectMutex.Unlock() != 0) TqCallAssert("TqBaseObject", __LINE__);
+    // Only after the unlock: the mutex goes with the object.
+    if (last) delete obj;
+    return last ? 1 : 0;
+}
+
+// NOLINTEND(misc-definitions-in-headers)
+#endif
 
 #endif

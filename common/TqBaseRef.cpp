@@ -8,6 +8,15 @@ const char sourceName[] = "TqBaseRef";
 
 const short ownTypeId = 8;
 
+// Two reports where both are wrong: who reads them tells a dead object, whose stamp is cleared too,
+// from a foreign one.
+TQ_ALWAYS_INLINE void CheckHeld(const TqBaseRef& handle) {
+    const TqBaseObject* held = handle.object;
+    if (held == nullptr) return;
+    TQ_REPORT_IF(held->self != held);
+    TQ_REPORT_IF(handle.objectSeqNum != held->seqNum);
+}
+
 }  // namespace
 
 short TqBaseRef::typeId = ownTypeId;
@@ -40,11 +49,11 @@ TqBaseRef& TqBaseRef::operator=(TqBaseObject* obj) {
     return *this;
 }
 
-void TqBaseRef::AssignNewObject(TqBaseObject* obj) {
+TQ_READS_ANY_OBJECT void TqBaseRef::AssignNewObject(TqBaseObject* obj) {
     // Held until all is done, the end of the old object included: a thread that copies this handle
     // finds the old object alive or the new one, and nothing between.
     TQ_REPORT_IF(refMutex.Lock() != 0);
-    GutCheck();
+    CheckHeld(*this);
     if (obj != object) {
         const unsigned int stamp = obj == nullptr ? 0 : obj->seqNum;
         // The new one first: it may live by the old one alone.
@@ -56,12 +65,8 @@ void TqBaseRef::AssignNewObject(TqBaseObject* obj) {
     TQ_REPORT_IF(refMutex.Unlock() != 0);
 }
 
-// Two reports where both are wrong: who reads them tells a dead object, whose stamp is cleared too,
-// from a foreign one.
 TQ_READS_ANY_OBJECT void TqBaseRef::GutCheck() const {
-    if (object == nullptr) return;
-    TQ_REPORT_IF(object->self != object);
-    TQ_REPORT_IF(objectSeqNum != object->seqNum);
+    CheckHeld(*this);
 }
 
 short TqBaseRef::TypeId() const {

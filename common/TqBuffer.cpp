@@ -5,7 +5,9 @@
 #include <cstdlib>
 
 #include "TqString.h"
+#include "internal/TqDigits.h"
 #include "internal/TqItem.h"
+#include "internal/TqMemory.h"
 #include "internal/TqPrivate.h"
 
 namespace {
@@ -29,7 +31,7 @@ void ZeroInternalData(TqBuffer& buffer) {
 // Every heap block has a byte more than its capacity: the one behind the counted bytes that PutAt
 // may store.
 unsigned char* NewBlock(unsigned int capacity) {
-    return static_cast<unsigned char*>(std::malloc(std::size_t(capacity) + 1));
+    return static_cast<unsigned char*>(TqAllocate(std::size_t(capacity) + 1));
 }
 
 // How many bytes there are at `data`, counted or not.
@@ -110,7 +112,7 @@ void TqMakeRoom(TqBuffer& buffer, unsigned int count) {
         TqCopyBytes(block, buffer.internalData, internalCapacity);
         ZeroInternalData(buffer);
     } else {
-        block = static_cast<unsigned char*>(std::realloc(buffer.data, std::size_t(capacity) + 1));
+        block = static_cast<unsigned char*>(TqReallocate(buffer.data, std::size_t(capacity) + 1));
     }
     UseBlock(buffer, block, capacity);
 }
@@ -306,15 +308,16 @@ void TqWriteItem(TqBuffer& out, unsigned int statedLength, const void* payload,
     // A length of more digits loses its last ones: five bytes are what every reader takes. The item
     // is corrupt then; payloads are limited to 99999 bytes.
     while (statedLength > 99999) statedLength /= 10;
-    unsigned char digits[tqItemDigits];
-    for (unsigned int i = tqItemDigits; i > 0; --i) {
-        digits[i - 1] = static_cast<unsigned char>('0' + statedLength % 10);
-        statedLength /= 10;
-    }
     // In one piece: digits and payload are moved to a larger block once, not twice, and the block
     // has the size that one append of both would give it.
     TqMakeRoom(out, tqItemDigits + count);
-    out.Append(digits, tqItemDigits);
+    // Room for the digits there is even when that sum has wrapped around.
+    TqMakeRoom(out, tqItemDigits);
+    unsigned char* digits = out.data + out.length;
+    digits[0] = static_cast<unsigned char>('0' + statedLength / 10000);
+    TqPutPair(digits + 1, statedLength / 100 % 100);
+    TqPutPair(digits + 3, statedLength % 100);
+    out.length += tqItemDigits;
     out.Append(static_cast<const unsigned char*>(payload), count);
 }
 

@@ -17,6 +17,29 @@ TqClassInfo* HeldInfo(const ClassList& list, unsigned int index) {
     return static_cast<TqClassInfo*>(static_cast<TqBaseObject*>(TqItemIn(list, index)));
 }
 
+// A name that is looked for. It is compared from its end, without a call: classes that begin alike
+// are told apart there.
+class WantedName {
+public:
+    explicit WantedName(const char* name)
+        : text(name), length(std::strlen(name)), last(length == 0 ? '\0' : name[length - 1]) {}
+
+    bool Is(const TqString& name) const {
+        if (length >= name.capacity) return std::strcmp(name.data, text) == 0;
+        if (name.data[length] != '\0') return false;
+        if (length == 0) return true;
+        std::size_t i = length - 1;
+        if (name.data[i] != last) return false;
+        while (i > 0 && name.data[i - 1] == text[i - 1]) --i;
+        return i == 0;
+    }
+
+private:
+    const char* text;
+    std::size_t length;
+    char last;
+};
+
 // The walk that every lookup makes. The count is noted once, and a slot is not tested for null: the
 // list holds none.
 template <class Matches>
@@ -24,7 +47,7 @@ TqClassInfo* FirstMatch(const ClassList& list, Matches matches) {
     const TqWalk walk(list.walkDepth);
     const unsigned int count = list.count;
     for (unsigned int i = 1; i <= count; ++i) {
-        TqClassInfo* info = HeldInfo(list, i);
+        TqClassInfo* info = static_cast<TqClassInfo*>(static_cast<TqBaseObject*>(list.slots[i]));
         if (matches(*info)) return info;
     }
     return nullptr;
@@ -57,9 +80,11 @@ TqClassRegistry* TqClassRegistry::GetRegistry() {
 }
 
 TqClassInfo* TqClassRegistry::ClassInfo(const char* name) const {
-    return FirstMatch(classList, [name](const TqClassInfo& info) {
-        return std::strcmp(info.name.data, name) == 0;
-    });
+    // Nothing is done with the name where there is none to compare it with.
+    if (classList.count == 0) return nullptr;
+    const WantedName wanted(name);
+    return FirstMatch(classList,
+                      [&wanted](const TqClassInfo& info) { return wanted.Is(info.name); });
 }
 
 TqBaseObject* TqClassRegistry::NewObject(const char* name) const {

@@ -1,3 +1,4 @@
+#define TQ_DATA_TYPE_BODY
 #include "TqDataType.h"
 
 short TqDataType::currentFreeTypeId = 12;

@@ -41,7 +41,7 @@ void TqDateTime::SetNow() {
     const time_t now = ::time(nullptr);
     tm utc;
     // Not gmtime, whose result all threads of the process share.
-    SetTime(gmtime_r(&now, &utc));
+    if (gmtime_r(&now, &utc) != nullptr) SetTime(&utc);
 }
 
 void TqDateTime::SetTime(const tm* t) {

@@ -31,7 +31,8 @@ public:
     /// Takes the first nine members of `other.time`; see `SetTime`.
     TqDateTime& operator=(const TqDateTime& other);
 
-    /// Takes the current time in UTC; see `SetTime`.
+    /// Takes the current time in UTC; see `SetTime`. A time that is beyond the calendar of the C
+    /// library changes nothing.
     void SetNow();
 
     /// Takes the first nine members of `*t`, which must not be null: seconds through the

@@ -13,4 +13,14 @@
 /// call.
 #define TQ_ALWAYS_INLINE inline __attribute__((always_inline))
 
+/// Stands before the body of an operation that programs may compile in, because it is short and
+/// runs often. The library has the operation all the same: for programs that were built before, for
+/// those that take its address, and for compilers that do not know this. Such a body stands in the
+/// header, and the class's own source defines the operation from it. Code that is built for size
+/// calls it.
+#if defined(__GNUC__) && !defined(__clang__) && !defined(__NO_INLINE__) && \
+    !defined(__OPTIMIZE_SIZE__)
+#define TQ_COMPILED_IN inline __attribute__((gnu_inline))
+#endif
+
 #endif

@@ -2,7 +2,11 @@
 
 #include <cstdlib>
 
+#include "internal/TqMemory.h"
+
 namespace {
+
+const char sourceName[] = "TqHooks";
 
 const int exitStatusWithoutHook = 999;
 
@@ -33,6 +37,11 @@ TqAssertCb TqUnRegisterAssertCb() {
 void TqCallAssert(const char* file, int line) {
     // Not a word otherwise: a device has nobody to read it.
     if (assertHook != nullptr) assertHook(file, line);
+}
+
+void TqMemoryHasEnded() {
+    TqCallAssert(sourceName, __LINE__);
+    std::abort();
 }
 
 TqSysExitCb TqRegisterSysExitCb(TqSysExitCb hook) {

@@ -18,6 +18,10 @@
 /// reference list, "TqBaseRef" and "TqBaseRefList". Nor may anything leave a destructor: that ends
 /// the process, as everywhere in the language.
 ///
+/// Where memory ends: a value or a list that finds no more reports, with "TqHooks", and aborts the
+/// process when the hook returns. Where an object is made by `new`, `std::bad_alloc` comes out. An
+/// operation that has a result for it says so, as `TFTP_open` does.
+///
 /// Ownership: the library borrows the hooks; it keeps nothing but the two pointers.
 /// Lock: none. Install the hooks once at start-up, before other threads use the library.
 /// All names have C linkage.
@@ -39,7 +43,7 @@ TQ_API TqAssertCb TqUnRegisterAssertCb();
 
 /// Hands `file` and `line`, exactly as received, to the assertion hook. Does nothing at all when
 /// none is installed.
-TQ_API void TqCallAssert(const char* file, int line);
+TQ_API __attribute__((cold)) void TqCallAssert(const char* file, int line);
 
 /// Installs `hook` for `TqCallSysExit`. Null is allowed and unregisters.
 /// Returns the hook installed before, or null.

@@ -4,6 +4,7 @@
 
 #include "TqString.h"
 #include "internal/TqDigits.h"
+#include "internal/TqItem.h"
 #include "internal/TqPrivate.h"
 
 namespace {
@@ -19,8 +20,9 @@ const char* const trueWords[] = {"T", "Y", "On", "Yes", "One", "True", "Open", "
 int ParseDigits(const char* digits, bool negative) {
     // Unsigned, so that the wrap-around at 32 bits is defined.
     unsigned int value = 0;
-    for (; TqIsDigit(*digits); ++digits)
-        value = value * 10 + static_cast<unsigned int>(*digits - '0');
+    for (unsigned int digit; (digit = TqDigitOf(*digits)) < 10; ++digits) {
+        value = value * 10 + digit;
+    }
     return static_cast<int>(negative ? 0u - value : value);
 }
 
@@ -73,9 +75,16 @@ void TqNumber::ToBuffer(TqBuffer& out) const {
 
 void TqNumber::FromBuffer(TqBuffer& in) {
     // And by the virtual FromString, likewise.
-    TqString text;
-    text.FromBuffer(in);
-    FromString(text.data);
+    const TqItemPayload payload = TqReadItem(in);
+    // Nearly every text is short, and needs no string of its own to end in a NUL.
+    char text[32];
+    if (payload.count < sizeof text) {
+        TqCopyBytes(text, payload.bytes, payload.count);
+        text[payload.count] = '\0';
+        FromString(text);
+    } else {
+        FromString(TqString(reinterpret_cast<const char*>(payload.bytes), payload.count).data);
+    }
 }
 
 int TqNumber::Compare(const TqDataType& other) const {

@@ -4,6 +4,7 @@
 
 #include "TqString.h"
 #include "internal/TqDigits.h"
+#include "internal/TqMemory.h"
 #include "internal/TqPrivate.h"
 
 namespace {
@@ -18,7 +19,7 @@ std::size_t BytesOf(unsigned int count) {
 }
 
 unsigned int* NewBlock(unsigned int capacity) {
-    return static_cast<unsigned int*>(std::malloc(BytesOf(capacity)));
+    return static_cast<unsigned int*>(TqAllocate(BytesOf(capacity)));
 }
 
 unsigned int* HeapBlock(TqSnmpOid& oid) {
@@ -42,21 +43,37 @@ unsigned int SmallestMultiple(unsigned int step, unsigned int needed) {
     return step * (needed / step + (needed % step != 0));
 }
 
+// The first position below `count` where the two differ, else `count`. Two numbers at a time.
+unsigned int FirstDifference(const unsigned int* a, const unsigned int* b, unsigned int count) {
+    unsigned int i = 0;
+    for (std::uint64_t pairOfA, pairOfB; count - i >= 2; i += 2) {
+        std::memcpy(&pairOfA, a + i, sizeof pairOfA);
+        std::memcpy(&pairOfB, b + i, sizeof pairOfB);
+        if (pairOfA != pairOfB) break;
+    }
+    while (i < count && a[i] == b[i]) ++i;
+    return i;
+}
+
 void Parse(TqSnmpOid& oid, const char* text) {
     if (*text == '\0') return;
     TQ_REPORT_IF(!TqIsDigit(*text));
-    // Append keeps the low 32 bits: those of a number that wraps around at 32 bits.
-    unsigned long number = 0;
-    for (; *text != '\0'; ++text) {
-        if (TqIsDigit(*text)) {
-            number = number * 10 + static_cast<unsigned long>(*text - '0');
-            continue;
+    do {
+        unsigned int number = 0;
+        for (unsigned int digit; (digit = TqDigitOf(*text)) < 10; ++text) {
+            number = number * 10 + digit;
         }
-        TQ_REPORT_IF(*text != '.');
-        oid.Append(number);
-        number = 0;
-    }
-    oid.Append(number);
+        TQ_REPORT_IF(*text != '.' && *text != '\0');
+        // As Append does, but without a call for each number.
+        if (oid.count >= oid.capacity) oid.CheckAllocSize(oid.count + 1);
+        oid.values[oid.count] = number;
+        ++oid.count;
+    } while (*text++ != '\0');
+}
+
+__attribute__((noinline, cold)) short FirstTypeId() {
+    TqDataType::NextId(&TqSnmpOid::typeId);
+    return TqSnmpOid::typeId;
 }
 
 template <unsigned int count>
@@ -122,13 +139,14 @@ void TqSnmpOid::Append(const char* text) {
 
 void TqSnmpOid::CheckAllocSize(unsigned int needed) {
     if (needed <= capacity) return;
-    capacity = SmallestMultiple(capacity, needed);
+    const unsigned int enough = SmallestMultiple(capacity, needed);
     if (HeapBlock(*this) == nullptr) {
-        values = NewBlock(capacity);
+        values = NewBlock(enough);
         TqCopyBytes(values, internalValues, BytesOf(count));
     } else {
-        values = static_cast<unsigned int*>(std::realloc(values, BytesOf(capacity)));
+        values = static_cast<unsigned int*>(TqReallocate(values, BytesOf(enough)));
     }
+    capacity = enough;
 }
 
 void TqSnmpOid::SetValues(const unsigned long* numbers, unsigned int n) {
@@ -172,8 +190,7 @@ bool TqSnmpOid::IsMalvick() const {
 }
 
 short TqSnmpOid::TypeId() const {
-    NextId(&typeId);
-    return typeId;
+    return typeId != 0 ? typeId : FirstTypeId();
 }
 
 TqDataType* TqSnmpOid::Clone() const {
@@ -181,7 +198,8 @@ TqDataType* TqSnmpOid::Clone() const {
 }
 
 void TqSnmpOid::ToString(TqString& out) const {
-    out = "";
+    // The string's own, and not that of a derived one: it is as much as assigning the empty text.
+    out.TqString::Empty();
     for (unsigned int i = 0; i < count; ++i) {
         if (i != 0) out.AppendChar('.');
         // As a signed number: the peers of these texts parse the large ones that way.
@@ -202,9 +220,9 @@ void TqSnmpOid::FromBuffer(TqBuffer&) {}
 int TqSnmpOid::Compare(const TqDataType& other) const {
     TQ_REPORT_IF(other.TypeId() != TypeId());
     const TqSnmpOid& oid = TqTakenAs<TqSnmpOid>(other);
-    for (unsigned int i = 0; i < count && i < oid.count; ++i) {
-        if (values[i] != oid.values[i]) return values[i] < oid.values[i] ? -1 : 1;
-    }
+    const unsigned int shorter = count < oid.count ? count : oid.count;
+    const unsigned int i = FirstDifference(values, oid.values, shorter);
+    if (i != shorter) return values[i] < oid.values[i] ? -1 : 1;
     return (count > oid.count) - (count < oid.count);
 }
 

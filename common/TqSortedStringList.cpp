@@ -12,7 +12,14 @@ TqString* StringIn(const TqSortedStringList& list, unsigned int index) {
     return static_cast<TqString*>(list.slots[index]);
 }
 
+// How many slots ahead of the walk a string is fetched: they lie anywhere in memory.
+const unsigned int fetchedAhead = 8;
+
+// The first character decides nearly always, and takes less than a call.
 bool IsGreater(const TqString& a, const TqString& b) {
+    const unsigned char firstOfA = static_cast<unsigned char>(*a.data);
+    const unsigned char firstOfB = static_cast<unsigned char>(*b.data);
+    if (firstOfA != firstOfB) return firstOfA > firstOfB;
     return std::strcmp(a.data, b.data) > 0;
 }
 
@@ -23,6 +30,8 @@ unsigned int PlaceOf(const TqString& s, const TqSortedStringList& list) {
     for (unsigned short index = 1; index <= list.count; ++index) {
         // One by one and not by halves: slots may have been set by hand, out of order, and the
         // first greater one is where programs expect the new string.
+        if (list.count - index >= fetchedAhead)
+            __builtin_prefetch(list.slots[index + fetchedAhead]);
         if (IsGreater(*StringIn(list, index), s)) return index;
     }
     return list.count + 1;

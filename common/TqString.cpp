@@ -1,3 +1,4 @@
+#define TQ_STRING_BODY
 #include "TqString.h"
 
 #include <cctype>
@@ -5,7 +6,9 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "internal/TqDigits.h"
 #include "internal/TqItem.h"
+#include "internal/TqMemory.h"
 #include "internal/TqPrivate.h"
 
 namespace {
@@ -36,6 +39,77 @@ int LowerCase(char c) {
     return std::tolower(static_cast<unsigned char>(c));
 }
 
+typedef std::size_t Word;
+
+bool HasZeroByte(Word word) {
+    const Word ones = ~Word(0) / 0xFF;
+    return ((word - ones) & ~word & (ones << 7)) != 0;
+}
+
+// What is known of a text and a count of its characters.
+enum Extent {
+    promised,  // there may be fewer: nothing behind the first NUL is read
+    held,      // there are as many, NULs perhaps among them
+    measured   // there are as many, and none is a NUL
+};
+
+// Applications set fields by hand: a length that the storage cannot have is only a promise.
+Extent ExtentOf(const TqString& string) {
+    return string.length <= string.capacity ? held : promised;
+}
+
+// How many characters of the storage may be other than NUL.
+unsigned int UsedPart(const TqString& string) {
+    return string.length < string.capacity ? string.length : string.capacity;
+}
+
+// Short areas are copied and cleared word by word: calls would take longer.
+
+void ZeroShortArea(char* area, unsigned int count) {
+    const Word zero = 0;
+    for (; count >= sizeof zero; area += sizeof zero) {
+        std::memcpy(area, &zero, sizeof zero);
+        count -= static_cast<unsigned int>(sizeof zero);
+    }
+    for (; count > 0; --count) *area++ = '\0';
+}
+
+// All of it: programs compare and send the area as it lies there.
+void ZeroInside(TqString& string) {
+    const unsigned int last = sizeof string.internalData - 1;
+    const Word zero = 0;
+    for (unsigned int i = 0; i < last; i += sizeof zero) {
+        std::memcpy(string.internalData + i, &zero, sizeof zero);
+    }
+    string.internalData[last] = '\0';
+}
+
+static_assert((sizeof TqString::internalData - 1) % sizeof(Word) == 0, "");
+
+// Copies the text up to its first NUL or `count` characters, and tells how many those were. It does
+// not overlap its new place. The last word goes back over the one before it.
+unsigned int CopyShortText(char* to, const char* text, unsigned int count, Extent extent) {
+    unsigned int i = 0;
+    if (extent != promised && count >= sizeof(Word)) {
+        const unsigned int last = count - static_cast<unsigned int>(sizeof(Word));
+        for (Word word;; i += sizeof word) {
+            if (i > last) i = last;
+            std::memcpy(&word, text + i, sizeof word);
+            if (HasZeroByte(word)) break;
+            std::memcpy(to + i, &word, sizeof word);
+            if (i == last) return count;
+        }
+    }
+    for (; i < count && text[i] != '\0'; ++i) to[i] = text[i];
+    return i;
+}
+
+// The same, and puts NULs behind it up to to[end].
+void CopyAndFill(char* to, const char* text, unsigned int count, Extent extent, unsigned int end) {
+    const unsigned int copied = CopyShortText(to, text, count, extent);
+    ZeroShortArea(to + copied, end + 1 - copied);
+}
+
 // Copies the text, up to its first NUL or `count` characters, and fills up with NULs so that
 // to[count] is one too. The text may overlap its new place.
 void CopyText(char* to, const char* text, unsigned int count) {
@@ -45,9 +119,19 @@ void CopyText(char* to, const char* text, unsigned int count) {
     std::memset(to + copied, 0, count - copied + 1);
 }
 
-char* NewBlock(const char* text, unsigned int count) {
-    char* block = static_cast<char*>(std::malloc(std::size_t(count) + 1));
-    CopyText(block, text, count);
+char* NewBlock(const char* text, unsigned int count, Extent extent) {
+    char* block = static_cast<char*>(TqAllocate(std::size_t(count) + 1));
+    if (extent == promised) {
+        CopyText(block, text, count);
+        return block;
+    }
+    std::memcpy(block, text, count);
+    block[count] = '\0';
+    if (extent == held) {
+        // Nothing behind the first NUL is taken over.
+        const std::size_t copied = std::strlen(block);
+        if (copied < count) std::memset(block + copied, 0, count - copied);
+    }
     return block;
 }
 
@@ -58,14 +142,13 @@ void TakeBlock(TqString& string, char* block, unsigned int count) {
 }
 
 // What the constructors share: the storage is chosen from nothing.
-void Construct(TqString& string, const char* text, unsigned int count) {
-    // All of it: programs compare and send the area as it lies there.
-    std::memset(string.internalData, 0, sizeof string.internalData);
+void Construct(TqString& string, const char* text, unsigned int count, Extent extent) {
+    ZeroInside(string);
     if (count > constructedInside) {
-        TakeBlock(string, NewBlock(text, count), count);
+        TakeBlock(string, NewBlock(text, count, extent), count);
         return;
     }
-    CopyText(string.internalData, text, count);
+    CopyShortText(string.internalData, text, count, extent);
     string.data = string.internalData;
     string.length = count;
     string.capacity = internalCapacity;
@@ -73,15 +156,40 @@ void Construct(TqString& string, const char* text, unsigned int count) {
 
 // What the assignments share: the present storage is kept when the text fits. Bytes of a heap block
 // behind its text are always NULs, so those of a longer old text go.
-void Assign(TqString& string, const char* text, unsigned int count) {
+void Assign(TqString& string, const char* text, unsigned int count, Extent extent) {
     if (count >= string.capacity) {
-        char* block = NewBlock(text, count);
+        char* block = NewBlock(text, count, extent);
         FreeBlock(string);
         TakeBlock(string, block, count);
         return;
     }
-    CopyText(string.data, text, count);
-    if (string.length > count) std::memset(string.data + count, 0, string.length - count);
+    const unsigned int used = UsedPart(string);
+    if (IsInternal(string) && !TqLiesIn(text, string.internalData, sizeof string.internalData)) {
+        CopyAndFill(string.internalData, text, count, extent, count > used ? count : used);
+    } else {
+        CopyText(string.data, text, count);
+        if (used > count) std::memset(string.data + count, 0, used - count);
+    }
+    string.length = count;
+}
+
+// What sets a counted text shares.
+void Set(TqString& string, const char* text, unsigned int count, Extent extent) {
+    if (text != nullptr && (TqLiesIn(text, string.internalData, sizeof string.internalData) ||
+                            TqLiesIn(text, string.data, string.capacity))) {
+        // Clearing would destroy a text that lies in this very string, as it does in a trim.
+        char* copy = static_cast<char*>(TqFound(strndup(text, count)));
+        Set(string, copy, count, promised);
+        std::free(copy);
+        return;
+    }
+    string.Clear();
+    if (text == nullptr || count == 0) return;
+    if (count > internalCapacity) {
+        TakeBlock(string, NewBlock(text, count, extent), count);
+        return;
+    }
+    CopyAndFill(string.internalData, text, count, extent, count);
     string.length = count;
 }
 
@@ -94,31 +202,39 @@ void Grow(TqString& string, unsigned int length) {
     const unsigned int capacity = (length + 16) / 16 * 16;
     char* block;
     if (IsInternal(string)) {
-        block = static_cast<char*>(std::malloc(capacity));
+        block = static_cast<char*>(TqAllocate(capacity));
         CopyText(block, string.data, capacity - 1);
     } else {
-        block = static_cast<char*>(std::realloc(string.data, capacity));
+        block = static_cast<char*>(TqReallocate(string.data, capacity));
         std::memset(block + string.capacity, 0, capacity - string.capacity);
     }
     string.data = block;
     string.capacity = capacity;
 }
 
-// Appends characters that do not lie in the string itself.
-void AppendText(TqString& string, const char* text, unsigned int count) {
+// Makes room for `count` more characters and returns where they go.
+char* PlaceFor(TqString& string, unsigned int count) {
     Grow(string, string.length + count);
-    TqCopyBytes(string.data + string.length, text, count);
+    return string.data + string.length;
+}
+
+void CountAppended(TqString& string, unsigned int count) {
     string.length += count;
     string.data[string.length] = '\0';
 }
 
 }  // namespace
 
+const char tqDigitPairs[] =
+    "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+    "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+    "8081828384858687888990919293949596979899";
+
 short TqString::typeId = ownTypeId;
 
 TqString::TqString(const char* text) {
     if (text == nullptr) text = "";
-    Construct(*this, text, static_cast<unsigned int>(std::strlen(text)));
+    Construct(*this, text, static_cast<unsigned int>(std::strlen(text)), measured);
 }
 
 TqString::TqString(const char* text, unsigned int count) : data(nullptr), length(0), capacity(0) {
@@ -127,7 +243,7 @@ TqString::TqString(const char* text, unsigned int count) : data(nullptr), length
 }
 
 TqString::TqString(const TqString& other) : TqDataType(other) {
-    Construct(*this, other.data, other.length);
+    Construct(*this, other.data, other.length, ExtentOf(other));
 }
 
 TqString::~TqString() {
@@ -143,38 +259,18 @@ TqString& TqString::operator=(const char* text) {
     if (text == nullptr) {
         Clear();
     } else {
-        Assign(*this, text, static_cast<unsigned int>(std::strlen(text)));
+        Assign(*this, text, static_cast<unsigned int>(std::strlen(text)), measured);
     }
     return *this;
 }
 
 void TqString::SetValue(const char* text, unsigned int count) {
-    if (text != nullptr &&
-        (TqLiesIn(text, internalData, sizeof internalData) || TqLiesIn(text, data, capacity))) {
-        // Clearing would destroy a text that lies in this very string, as it does in a trim.
-        char* copy = strndup(text, count);
-        SetValue(copy, count);
-        std::free(copy);
-        return;
-    }
-    Clear();
-    if (text == nullptr || count == 0) return;
-    if (count > internalCapacity) {
-        TakeBlock(*this, NewBlock(text, count), count);
-        return;
-    }
-    CopyText(internalData, text, count);
-    length = count;
+    Set(*this, text, count, promised);
 }
 
-void TqString::AppendChar(char c) {
-    Grow(*this, length + 1);
-    data[length] = c;
-    ++length;
-    data[length] = '\0';
-}
-
+// AppendChar comes here when there is no room.
 void TqString::AppendByte(unsigned char c) {
+    Grow(*this, length + 1);
     AppendChar(static_cast<char>(c));
 }
 
@@ -186,7 +282,8 @@ TqString& TqString::operator+=(const char* text) {
         Grow(*this, length + count);
         text = data + offset;
     }
-    AppendText(*this, text, count);
+    std::memmove(PlaceFor(*this, count), text, count);
+    CountAppended(*this, count);
     return *this;
 }
 
@@ -197,26 +294,26 @@ TqString TqString::operator+(const char* text) const {
 }
 
 void TqString::AppendCounter(unsigned int value) {
-    char digits[10];
-    unsigned int first = sizeof digits;
-    do {
-        digits[--first] = static_cast<char>('0' + value % 10);
-        value /= 10;
-    } while (value != 0);
-    AppendText(*this, digits + first, static_cast<unsigned int>(sizeof digits) - first);
+    const unsigned int digits = TqCountDigits(value);
+    TqPutDigits(PlaceFor(*this, digits) + digits, value);
+    CountAppended(*this, digits);
 }
 
 void TqString::AppendNumber(int value) {
-    if (value >= 0) {
-        AppendCounter(static_cast<unsigned int>(value));
-        return;
+    unsigned int digits = static_cast<unsigned int>(value);
+    if (value < 0) {
+        AppendChar('-');
+        digits = 0u - digits;
+        // The negation of -2147483648 is still negative and counts as nothing: the text "-0" is
+        // kept, peers know it.
+        if (digits > 0x7FFFFFFFu) digits = 0;
     }
-    AppendChar('-');
-    const unsigned int negated = 0u - static_cast<unsigned int>(value);
-    // The negation of -2147483648 is still negative and counts as nothing: the text "-0" is kept,
-    // peers know it.
-    const bool stillNegative = negated > 0x7FFFFFFFu;
-    AppendCounter(stillNegative ? 0u : negated);
+    // One digit is what most numbers of identifiers have.
+    if (digits < 10) {
+        AppendChar(static_cast<char>('0' + digits));
+    } else {
+        AppendCounter(digits);
+    }
 }
 
 void TqString::AppendFloat(float value, unsigned char precision) {
@@ -280,7 +377,7 @@ void TqString::ToBuffer(TqBuffer& out) const {
 
 void TqString::FromBuffer(TqBuffer& in) {
     const TqItemPayload payload = TqReadItem(in);
-    SetValue(reinterpret_cast<const char*>(payload.bytes), payload.count);
+    Set(*this, reinterpret_cast<const char*>(payload.bytes), payload.count, held);
 }
 
 int TqString::Compare(const TqDataType& other) const {
@@ -299,7 +396,7 @@ bool TqString::Equals(const TqDataType* other) const {
 
 void TqString::Assignment(const TqDataType& other) {
     const TqString& string = TqTakenAs<TqString>(other);
-    Assign(*this, string.data, string.length);
+    Assign(*this, string.data, string.length, ExtentOf(string));
 }
 
 unsigned int TqString::Length() const {
@@ -310,8 +407,16 @@ void TqString::Free() {
     Clear();
 }
 
+// What assigning the empty text does, which always fits.
 void TqString::Empty() {
-    *this = "";
+    const unsigned int used = UsedPart(*this);
+    if (IsInternal(*this)) {
+        ZeroShortArea(data, used);
+    } else {
+        std::memset(data, 0, used);
+    }
+    *data = '\0';
+    length = 0;
 }
 
 bool TqString::IsEmpty() const {

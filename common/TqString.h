@@ -123,4 +123,25 @@ public:
     static short typeId;  ///< 1, for naming the id without an object
 };
 
+#if !defined(TQ_STRING_BODY) && defined(TQ_COMPILED_IN)
+#define TQ_STRING_BODY TQ_COMPILED_IN
+#endif
+#ifdef TQ_STRING_BODY
+// NOLINTBEGIN(misc-definitions-in-headers): only the source of the class defines them
+
+TQ_STRING_BODY void TqString::AppendChar(char c) {
+    const unsigned int count = length;
+    if (__builtin_expect(count + 1 >= capacity, 0)) {
+        AppendByte(static_cast<unsigned char>(c));
+        return;
+    }
+    char* place = data + count;
+    place[0] = c;
+    place[1] = '\0';
+    length = count + 1;
+}
+
+// NOLINTEND(misc-definitions-in-headers)
+#endif
+
 #endif

@@ -3,6 +3,10 @@
 
 #include <pthread.h>
 
+/// Says that programs may compile `Lock` and `Unlock` in, too. A port defines it where these need
+/// nothing but the C library; without it only the library calls them.
+#define TQ_LINUX_MUTEX_INLINE
+
 /// The mutex that the device supplies: the one thing the library asks of its platform. A device
 /// build puts its own header of this name in its own directory and points `TQ_PLATFORM_DIR` at it;
 /// README.md beside this file states what such a directory holds.

@@ -4,7 +4,7 @@
 # The Debian packages that a leg needs, from the table of them.
 packages_of() {
     awk -v leg="$1" '
-        BEGIN { isPreset = leg !~ /^(demo|lint|load|device|device_kernel)$/ }
+        BEGIN { isPreset = leg !~ /^(demo|lint|bench|peers|device|device_kernel|manual|model|deb|newcomer)$/ }
         /^[^#]/ {
             for (i = 3; i <= NF; ++i) if ($i == leg || ($i == "tests" && isPreset)) { print $1; next }
         }' scripts/packages.txt

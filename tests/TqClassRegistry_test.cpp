@@ -201,6 +201,19 @@ TEST(TqClassRegistry, ClassInfoComparesTextsAndFindComparesLengthsToo) {
     EXPECT_EQ(registry.Find(TqString("Port", 8)), info);
 }
 
+TEST(TqClassRegistry, ClassInfoGoesByTheTextWhateverItsLengthSays) {
+    TqClassRegistry registry;
+    TqClassInfo* info = Register(registry, "Port");
+    for (const unsigned int length : {0u, 3u, 1000u}) {
+        info->name.length = length;
+        EXPECT_EQ(registry.ClassInfo("Port"), info);
+        EXPECT_EQ(registry.ClassInfo("Por"), nullptr);
+        EXPECT_EQ(registry.ClassInfo("Ports"), nullptr);
+        EXPECT_EQ(registry.ClassInfo(std::string(500, 'x').c_str()), nullptr);
+    }
+    info->name.length = 4;
+}
+
 TEST(TqClassRegistry, FindFindsANameWholeAndCaseSensitively) {
     TqClassRegistry registry;
     Register(registry, "Fan");

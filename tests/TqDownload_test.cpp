@@ -7,8 +7,10 @@
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <stdexcept>
@@ -19,9 +21,9 @@
 #include "Child.h"
 #include "Files.h"
 #include "Scale.h"
+#include "TftpAnswers.h"
 #include "TftpHost.h"
 #include "TftpScript.h"
-#include "TftpServer.h"
 #include "TftpTest.h"
 #include "TqTftp.h"
 
@@ -41,49 +43,8 @@ protected:
         TftpTest::TearDown();
     }
 
-    static std::string HostName(unsigned int number = 1) {
-        const std::string text = ToText(RequestPort(number));
-        return text.substr(0, text.find(':'));
-    }
-
     // Serves the directory from a host.
-    Child Serve(unsigned int host = 1) const {
-        TftpServer::Settings settings;
-        settings.directory = served.Path();
-        settings.resendAfter = 0;
-        auto server = std::make_shared<TftpServer>(UdpSocket(RequestPort(host)), settings);
-        return Child([server] {
-            while (true) server->Serve(1000);
-        });
-    }
-
-    // Answers every datagram that comes to host 1.
-    using Answers = std::function<void(const UdpSocket&, const Endpoint& client, const Octets&)>;
-    static Child Answer(const Answers& answer) {
-        auto socket = std::make_shared<UdpSocket>(RequestPort());
-        return Child([socket, answer] {
-            Octets datagram;
-            Endpoint client;
-            while (true) {
-                if (socket->Receive(datagram, client, 1000)) answer(*socket, client, datagram);
-            }
-        });
-    }
-
-    static unsigned int AskedFor(const Octets& datagram) {
-        return datagram[1] == 1 ? 1
-                                : static_cast<unsigned char>(datagram[2]) * 256u +
-                                      static_cast<unsigned char>(datagram[3]) + 1;
-    }
-
-    // A server that sends so many full blocks and falls silent then.
-    static Child AnswerWithBlocks(unsigned int count) {
-        return Answer(
-            [count](const UdpSocket& socket, const Endpoint& client, const Octets& datagram) {
-                const unsigned int block = AskedFor(datagram);
-                if (block <= count) socket.Send(client, Data(block, Octets(512, 'x')));
-            });
-    }
+    Child Serve(unsigned int host = 1) const { return ServeFolder(served.Path(), host); }
 
     static std::string TextOf(const TqDownload& download) {
         TqString text;
@@ -141,13 +102,13 @@ TEST_F(TqDownloadFetch, AFailureLeavesTheBufferAsItWas) {
 
 TEST_F(TqDownloadFetch, TheTextMayBePrintedWhateverTheServerSays) {
     const Child server = Answer([](const UdpSocket& socket, const Endpoint& client, const Octets&) {
-        socket.Send(client, Error(1, "a\x1B[31mb\nc\xFF"));
+        socket.Send(client, Error(1, "a\x1B[31m ~b\nc\x7F d\xFF"));
     });
     TqBuffer buffer;
     TqDownload download(HostName().c_str(), "motd");
     download.ToBuffer(buffer);
-    EXPECT_EQ(TextOf(download), "the server has no such file (error 1: a?[31mb?c?)");
-    EXPECT_STREQ(download.words.data, "a\x1B[31mb\nc\xFF");
+    EXPECT_EQ(TextOf(download), "the server has no such file (error 1: a?[31m ~b?c? d?)");
+    EXPECT_STREQ(download.words.data, "a\x1B[31m ~b\nc\x7F d\xFF");
 }
 
 TEST_F(TqDownloadFetch, AFileIsThereWhenItIsComplete) {
@@ -176,6 +137,39 @@ TEST_F(TqDownloadFetch, AFileThatCannotBeWrittenHasTheSystemsReason) {
     EXPECT_EQ(TextOf(download), "what came could not be stored (No such file or directory)");
     EXPECT_EQ(download.ToFile(directory.Path().c_str()), TqDownload::refused);
     EXPECT_EQ(TextOf(download), "what came could not be stored (Is a directory)");
+}
+
+TEST_F(TqDownloadFetch, AFileThatCannotTakeItsPlaceIsGone) {
+    const std::string place = directory.Path("motd");
+    const Child server =
+        Answer([place](const UdpSocket& socket, const Endpoint& client, const Octets& datagram) {
+            mkdir(place.c_str(), 0700);
+            if (datagram[1] == 1) socket.Send(client, Data(1, "hello"));
+        });
+    TqDownload download(HostName().c_str(), "motd");
+    EXPECT_EQ(download.ToFile(place.c_str()), TqDownload::refused);
+    EXPECT_EQ(TextOf(download), "what came could not be stored (Is a directory)");
+    EXPECT_EQ(directory.Names(), std::vector<std::string>({"motd"}));
+}
+
+// The bytes leave the process only at the end.
+TEST_F(TqDownloadFetch, WhatAPipeDoesNotTakeIsAFailure) {
+    WriteFile(served.Path("motd"), "hello");
+    const Child server = Serve();
+    const std::string pipe = directory.Path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    signal(SIGPIPE, SIG_IGN);
+    TqDownload download(HostName().c_str(), "motd");
+    download.watch = [](void* user, unsigned long long bytes, unsigned int) {
+        int& descriptor = *static_cast<int*>(user);
+        if (bytes > 0 && descriptor >= 0) close(descriptor);
+        if (bytes > 0) descriptor = -1;
+    };
+    download.watchUser = &reader;
+    EXPECT_EQ(download.ToFile(pipe.c_str()), TqDownload::refused);
+    EXPECT_EQ(TextOf(download), "what came could not be stored (Broken pipe)");
+    signal(SIGPIPE, SIG_DFL);
 }
 
 TEST_F(TqDownloadFetch, APipeIsWrittenToAndNotReplaced) {
@@ -258,6 +252,27 @@ TEST_F(TqDownloadFetch, ASilentServerIsGivenUp) {
     EXPECT_EQ(TextOf(download), "no new block for 1 second");
 }
 
+// Of several tries the quickest counts.
+TEST_F(TqDownloadFetch, AnEndComesInTime) {
+    if (runsSlowly) GTEST_SKIP() << "takes too long; the other targets have seen it";
+    const Child server = AnswerWithBlocks(1);
+    for (const bool isDeadline : {false, true}) {
+        long long quickest = 10000;
+        for (int i = 0; i < 5 && quickest >= 1100; ++i) {
+            TqBuffer buffer;
+            TqDownload download(HostName().c_str(), "motd");
+            download.patience = isDeadline ? 0 : 1;
+            download.deadline = isDeadline ? 1 : 0;
+            const long long start = Now();
+            EXPECT_EQ(download.ToBuffer(buffer),
+                      isDeadline ? TqDownload::late : TqDownload::silent);
+            quickest = std::min(quickest, Now() - start);
+        }
+        EXPECT_GE(quickest, 1000);
+        EXPECT_LT(quickest, 1100);
+    }
+}
+
 // Datagrams without an end, so that the client's receive is never without one.
 TEST_F(TqDownloadFetch, AFloodOfRepeatsIsGivenUpToo) {
     const Child server = Answer([](const UdpSocket& socket, const Endpoint& client, const Octets&) {
@@ -280,7 +295,7 @@ TEST_F(TqDownloadFetch, TheDeadlineEndsATransferThatGoesOn) {
     const Child server =
         Answer([](const UdpSocket& socket, const Endpoint& client, const Octets& datagram) {
             usleep(100000);
-            socket.Send(client, Data(AskedFor(datagram), Octets(512, 'x')));
+            socket.Send(client, Data(BlockAskedFor(datagram), Octets(512, 'x')));
         });
     TqBuffer buffer;
     TqDownload download(HostName().c_str(), "motd");
@@ -327,6 +342,23 @@ TEST_F(TqDownloadFetch, AWatcherIsToldOfPiecesAndOfSilence) {
     EXPECT_GE(seen.longest, 200u);
 }
 
+TEST_F(TqDownloadFetch, WhatAWatcherThrowsLeavesNeitherBytesNorFiles) {
+    WriteFile(served.Path("motd"), RandomBytes(3000, 1));
+    WriteFile(directory.Path("motd"), "before");
+    const Child server = Serve();
+    TqDownload download(HostName().c_str(), "motd");
+    download.watch = [](void*, unsigned long long, unsigned int) {
+        throw std::runtime_error("enough");
+    };
+    TqBuffer buffer;
+    buffer.Append(reinterpret_cast<const unsigned char*>("before"), 6);
+    EXPECT_THROW(download.ToBuffer(buffer), std::runtime_error);
+    EXPECT_EQ(ContentOf(buffer), "before");
+    EXPECT_THROW(download.ToFile(directory.Path("motd").c_str()), std::runtime_error);
+    EXPECT_EQ(directory.Names(), std::vector<std::string>({"motd"}));
+    EXPECT_EQ(ReadFile(directory.Path("motd")), "before");
+}
+
 TEST_F(TqDownloadFetch, AWatcherMayCancel) {
     const Child server = Answer([](const UdpSocket&, const Endpoint&, const Octets&) {});
     TqDownload download(HostName().c_str(), "motd");
@@ -338,13 +370,34 @@ TEST_F(TqDownloadFetch, AWatcherMayCancel) {
     EXPECT_EQ(download.ToBuffer(buffer), TqDownload::cancelled);
 }
 
-// The client sends the request again only when something interrupts its receive.
+// While it lives, what is printed goes to a file.
+class PrintedTo {
+public:
+    explicit PrintedTo(const std::string& path) : output(Flushed()) {
+        const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+        dup2(file, STDOUT_FILENO);
+        close(file);
+    }
+    ~PrintedTo() {
+        fflush(stdout);
+        dup2(output, STDOUT_FILENO);
+        close(output);
+    }
+
+private:
+    static int Flushed() {
+        fflush(stdout);
+        return fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
+    }
+
+    const int output;
+};
+
+// The client sends the request again only when something interrupts its receive. It complains when
+// its wait before the receive is interrupted.
 TEST_F(TqDownloadFetch, ALostRequestIsSentAgain) {
-    const int quiet = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    const int output = dup(STDOUT_FILENO);
-    fflush(stdout);
-    dup2(quiet, STDOUT_FILENO);
     {
+        const PrintedTo file(directory.Path("printed"));
         const Child server = Answer(
             [requests = 0](const UdpSocket& socket, const Endpoint& client, const Octets&) mutable {
                 if (++requests == 2) socket.Send(client, Data(1, "late"));
@@ -353,10 +406,35 @@ TEST_F(TqDownloadFetch, ALostRequestIsSentAgain) {
         EXPECT_EQ(TqDownload(HostName().c_str(), "motd").ToBuffer(buffer), TqDownload::complete);
         EXPECT_EQ(ContentOf(buffer), "late");
     }
-    fflush(stdout);
-    dup2(output, STDOUT_FILENO);
-    close(output);
-    close(quiet);
+    const std::string printed = ReadFile(directory.Path("printed"));
+    EXPECT_NE(printed.find("select() timeout"), std::string::npos) << printed;
+    EXPECT_EQ(printed.find("failed"), std::string::npos) << printed;
+}
+
+TEST_F(TqDownloadFetch, WaitingTakesNoProcessorTime) {
+    const Child server = AnswerWithBlocks(1);
+    TqDownload download(HostName().c_str(), "motd");
+    download.patience = 1;
+    const clock_t begun = clock();
+    TqBuffer buffer;
+    EXPECT_EQ(download.ToBuffer(buffer), TqDownload::silent);
+    EXPECT_LT(clock() - begun, CLOCKS_PER_SEC / 2);
+}
+
+// A single block is not kept back until there are more. Of several tries the quickest counts.
+TEST_F(TqDownloadFetch, ABlockIsHandedOnWhenItComes) {
+    if (runsSlowly) GTEST_SKIP() << "takes too long; the other targets have seen it";
+    const Child server = AnswerWithBlocks(1);
+    long long quickest = 1000;
+    for (int i = 0; i < 5; ++i) {
+        TqDownload download(HostName().c_str(), "motd");
+        const long long begun = Now();
+        download.ToFunction([&](const unsigned char*, unsigned int) {
+            quickest = std::min(quickest, Now() - begun);
+            return false;
+        });
+    }
+    EXPECT_LT(quickest, 100);
 }
 
 std::atomic<int> urgent(0);

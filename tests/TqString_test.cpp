@@ -992,6 +992,36 @@ TEST(TqString, TrimTrailingStaysInsideTheArray) {
     }
 }
 
+// Fields are public, and programs set them.
+
+TEST(TqString, ALengthSetBeyondTheStorageReachesNothingOutsideIt) {
+    Followed inside;
+    inside.FromString("abc");
+    inside.length = 60;
+    inside.Empty();
+    EXPECT_EQ(Held(inside), HeldInside(""));
+    inside.length = 60;
+    inside.FromString("xy");
+    EXPECT_EQ(Held(inside), HeldInside("xy"));
+    EXPECT_EQ(inside.behind, ' ');
+
+    TqString block(Letters(36).c_str());
+    block.length = 90;
+    EXPECT_EQ(Held(TqString(block)), HeldInBlock(91, Letters(36) + Repeated(54, '\0')));
+    TqString assigned;
+    assigned.Assignment(block);
+    EXPECT_EQ(Held(assigned), HeldInBlock(91, Letters(36) + Repeated(54, '\0')));
+    block.Empty();
+    EXPECT_EQ(Held(block), HeldInBlock(37, ""));
+}
+
+TEST(TqString, AStringShortenedByItsLengthIsAddedToItself) {
+    TqString s("abcdefgh");
+    s.length = 2;
+    s += s.data;
+    EXPECT_EQ(Held(s), HeldInside("ababcdefgh"));
+}
+
 // Conversions.
 
 TEST(TqString, ToStringAssignsTheStringToTheOther) {

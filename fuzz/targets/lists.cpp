@@ -187,8 +187,7 @@ public:
         for (Object& its : all) {
             if (its.object != nullptr && static_cast<TqBaseObject*>(its.object) == item) return its;
         }
-        MUST(!"an object of nobody");
-        return all[0];
+        Broken(__FILE__, __LINE__, "it is the object of somebody");
     }
     void Count(const Model& model, int by) {
         for (const void* item : model.items) Of(item).count += by;

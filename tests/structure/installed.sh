@@ -40,8 +40,13 @@ expect_42 "$@" "$room/build/stranger"
 expect_42 "$@" "$room/build/comfortable"
 
 if [ -d "$build/tools" ]; then
-    "$@" "$prefix/bin/tqfetch" --help | grep -q '^usage: tqfetch ' || fail "tqfetch does not run"
-    [ -e "$prefix/share/man/man1/tqfetch.1" ] || fail "tqfetch has no manual page"
+    for tool in tqfetch tqitems; do
+        "$@" "$prefix/bin/$tool" --help | grep -q "^usage: $tool " || fail "$tool does not run"
+        for file in "man/man1/$tool.1" "bash-completion/completions/$tool" \
+            "zsh/site-functions/_$tool" "fish/vendor_completions.d/$tool.fish"; do
+            [ -e "$prefix/share/$file" ] || fail "$tool has no $file"
+        done
+    done
 fi
 
 if ! command -v pkg-config >/dev/null; then

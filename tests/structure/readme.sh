@@ -14,6 +14,12 @@ blocks() {
     awk -v start="\`\`\`$1" '$0 == "```" { inside = 0 } inside; $0 == start { inside = 1 }' "$readme"
 }
 
+# From the clone to a program of one's own: the packages and every line of shell.
+commands() {
+    grep '^    apt-get install ' "$readme"
+    blocks sh
+}
+
 # What is done inside, in a copy of the sources.
 steps() {
     echo 'fail() { echo "$1"; exit 1; }'
@@ -67,6 +73,8 @@ if [ "$2" = inside ]; then
     PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C \
         exec chroot . /bin/sh /steps
 fi
+
+[ "$(commands | wc -l)" -le 5 ] || { echo "more than five commands:"; commands; exit 1; }
 
 own='unshare --mount'
 [ "$(id -u)" = 0 ] || own='unshare --mount --map-root-user'

@@ -1,10 +1,17 @@
 #include "SystemCalls.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <netdb.h>
+#include <pthread.h>
+#include <stdarg.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
+#include <cstring>
 
 #include "Sanitizers.h"
 
@@ -28,6 +35,26 @@ const bool timesAreLong = sizeof(time_t) > sizeof(long);
 
 #define REAL_WITH_TIME(name) \
     static auto* const real = Real(&::name, timesAreLong ? "__" #name "64" : #name)
+
+// Which call is to fail; plain data, since the heap is used before anything is constructed.
+std::atomic<unsigned int> failing;
+std::atomic<bool> laterFail;
+std::atomic<unsigned int> callsMade;
+std::atomic<const char*> failed;
+
+// Counts the call, and says whether it is to fail. Then `errno` is what it is given.
+bool Fails(const char* name, int error) {
+    const unsigned int wanted = failing;
+    if (wanted == 0) return false;
+    const unsigned int number = ++callsMade;
+    const char* first = nullptr;
+    if (number == wanted) failed.compare_exchange_strong(first, name);
+    first = failed;
+    if (number < wanted || (number > wanted && !laterFail)) return false;
+    if (first == nullptr || std::strcmp(first, name) != 0) return false;
+    errno = error;
+    return true;
+}
 
 // Within a replacement the real functions are called, and only there.
 class Replacement {
@@ -67,6 +94,7 @@ time_t time(time_t* now) noexcept {
 int select(int count, fd_set* readable, fd_set* writable, fd_set* exceptional, timeval* wait) {
     REAL_WITH_TIME(select);
     const Replacement replacement;
+    if (Fails("select", ENOMEM)) return -1;
     if (!systemCalls.select || replacement.IsNested()) {
         return real(count, readable, writable, exceptional, wait);
     }
@@ -76,6 +104,7 @@ int select(int count, fd_set* readable, fd_set* writable, fd_set* exceptional, t
 int bind(int descriptor, const sockaddr* address, socklen_t length) noexcept {
     REAL(bind);
     const Replacement replacement;
+    if (Fails("bind", EADDRINUSE)) return -1;
     if (!systemCalls.bind || replacement.IsNested()) return real(descriptor, address, length);
     return systemCalls.bind(descriptor, address, length);
 }
@@ -84,6 +113,7 @@ ssize_t sendto(int descriptor, const void* bytes, size_t length, int flags, cons
                socklen_t addressLength) {
     REAL(sendto);
     const Replacement replacement;
+    if (Fails("sendto", ENETUNREACH)) return -1;
     if (!systemCalls.sendto || replacement.IsNested()) {
         return real(descriptor, bytes, length, flags, address, addressLength);
     }
@@ -94,6 +124,7 @@ ssize_t recvfrom(int descriptor, void* bytes, size_t length, int flags, sockaddr
                  socklen_t* addressLength) {
     REAL(recvfrom);
     const Replacement replacement;
+    if (Fails("recvfrom", ECONNREFUSED)) return -1;
     if (!systemCalls.recvfrom || replacement.IsNested()) {
         return real(descriptor, bytes, length, flags, address, addressLength);
     }
@@ -104,6 +135,7 @@ int stat(const char* path, struct stat* status) noexcept {
     static auto* const real =
         Real<int(const char*, struct stat*)>(nullptr, timesAreLong ? "__stat64_time64" : "stat");
     const Replacement replacement;
+    if (Fails("stat", EACCES)) return -1;
     if (!systemCalls.stat || replacement.IsNested()) return real(path, status);
     return systemCalls.stat(path, status);
 }
@@ -111,6 +143,7 @@ int stat(const char* path, struct stat* status) noexcept {
 int fsync(int descriptor) {
     REAL(fsync);
     const Replacement replacement;
+    if (Fails("fsync", EIO)) return -1;
     if (!systemCalls.fsync || replacement.IsNested()) return real(descriptor);
     return systemCalls.fsync(descriptor);
 }
@@ -135,6 +168,7 @@ int linkat(int oldFolder, const char* oldName, int newFolder, const char* newNam
 int rename(const char* oldName, const char* newName) noexcept {
     REAL(rename);
     const Replacement replacement;
+    if (Fails("rename", EROFS)) return -1;
     if (!systemCalls.rename || replacement.IsNested()) return real(oldName, newName);
     return systemCalls.rename(oldName, newName);
 }
@@ -171,7 +205,109 @@ int ShortClockGettime(clockid_t clock, ShortTime* now) noexcept {
 }
 #endif
 
+#ifndef TQ_SANITIZED
+
+// What no test replaces, but some have fail. Sanitizers have their own versions of these.
+
+int socket(int domain, int type, int protocol) noexcept {
+    REAL(socket);
+    return Fails("socket", EMFILE) ? -1 : real(domain, type, protocol);
+}
+
+int close(int descriptor) {
+    REAL(close);
+    const int result = real(descriptor);
+    return result == 0 && Fails("close", EIO) ? -1 : result;
+}
+
+FILE* fopen(const char* name, const char* mode) {
+    static auto* const real = Real(&::fopen, "fopen64");
+    return Fails("fopen", EMFILE) ? nullptr : real(name, mode);
+}
+
+int fclose(FILE* stream) {
+    REAL(fclose);
+    const int result = real(stream);
+    return result == 0 && Fails("fclose", ENOSPC) ? EOF : result;
+}
+
+char* fgets(char* line, int size, FILE* stream) {
+    REAL(fgets);
+    char* const result = real(line, size, stream);
+    return result != nullptr && Fails("fgets", EIO) ? nullptr : result;
+}
+
+size_t fwrite(const void* bytes, size_t size, size_t count, FILE* stream) {
+    REAL(fwrite);
+    return Fails("fwrite", ENOSPC) ? 0 : real(bytes, size, count, stream);
+}
+
+int fflush(FILE* stream) {
+    REAL(fflush);
+    return Fails("fflush", ENOSPC) ? EOF : real(stream);
+}
+
+int fstat(int descriptor, struct stat* status) noexcept {
+    static auto* const real =
+        Real<int(int, struct stat*)>(nullptr, timesAreLong ? "__fstat64_time64" : "fstat");
+    const int result = real(descriptor, status);
+    return result == 0 && Fails("fstat", EIO) ? -1 : result;
+}
+
+// All that is asked for here has a number for its argument, or none.
+int fcntl(int descriptor, int command, ...) {
+    static auto* const real =
+        Real<int(int, int, ...)>(nullptr, timesAreLong ? "__fcntl_time64" : "fcntl64");
+    va_list arguments;
+    va_start(arguments, command);
+    const long argument = va_arg(arguments, long);
+    va_end(arguments);
+    if (command == F_DUPFD_CLOEXEC && Fails("fcntl", EMFILE)) return -1;
+    return real(descriptor, command, argument);
+}
+
+int getsockname(int descriptor, sockaddr* address, socklen_t* length) noexcept {
+    REAL(getsockname);
+    const int result = real(descriptor, address, length);
+    return result == 0 && Fails("getsockname", ENOBUFS) ? -1 : result;
+}
+
+int setsockopt(int descriptor, int level, int name, const void* value, socklen_t size) noexcept {
+    REAL_WITH_TIME(setsockopt);
+    return Fails("setsockopt", ENOMEM) ? -1 : real(descriptor, level, name, value, size);
+}
+
+int getaddrinfo(const char* name, const char* service, const addrinfo* wanted, addrinfo** found) {
+    REAL(getaddrinfo);
+    return Fails("getaddrinfo", ENOMEM) ? EAI_MEMORY : real(name, service, wanted, found);
+}
+
+int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*run)(void*),
+                   void* argument) noexcept {
+    REAL(pthread_create);
+    return Fails("pthread_create", EAGAIN) ? EAGAIN : real(thread, attributes, run, argument);
+}
+
+tm* gmtime_r(const time_t* moment, tm* result) noexcept {
+    static auto* const real = Real(&::gmtime_r, timesAreLong ? "__gmtime64_r" : "gmtime_r");
+    return Fails("gmtime_r", EOVERFLOW) ? nullptr : real(moment, result);
+}
+
+#endif
+
 }  // extern "C"
+
+void FailCall(unsigned int number, bool andLater) {
+    failing = 0;
+    callsMade = 0;
+    failed = nullptr;
+    laterFail = andLater;
+    failing = number;
+}
+
+const char* FailedCall() {
+    return failed;
+}
 
 #ifdef TQ_SANITIZED
 
@@ -188,6 +324,10 @@ int WatchedBlocks() {
     return 0;
 }
 
+int LiveBlocks() {
+    return 0;
+}
+
 #else
 
 extern "C" void* __libc_malloc(std::size_t bytes);
@@ -201,6 +341,7 @@ namespace {
 
 // Plain data: the heap is used before anything is constructed. A size of 0 is none.
 std::atomic<unsigned int> heapCalls;
+std::atomic<int> liveBlocks;
 std::size_t refusedSize;
 std::size_t watchedSize;
 void* watched[16];
@@ -219,24 +360,38 @@ bool Replace(void* block, void* by) {
 extern "C" void* malloc(std::size_t bytes) noexcept {
     ++heapCalls;
     if (bytes != 0 && bytes == refusedSize) return nullptr;
+    if (Fails("memory", ENOMEM)) return nullptr;
     void* const block = __libc_malloc(bytes);
     if (bytes != 0 && bytes == watchedSize) Replace(nullptr, block);
+    liveBlocks += block != nullptr ? 1 : 0;
     return block;
 }
 
 extern "C" void* calloc(std::size_t count, std::size_t bytes) noexcept {
     ++heapCalls;
-    return __libc_calloc(count, bytes);
+    if (Fails("memory", ENOMEM)) return nullptr;
+    void* const block = __libc_calloc(count, bytes);
+    liveBlocks += block != nullptr ? 1 : 0;
+    return block;
 }
 
 extern "C" void* realloc(void* block, std::size_t bytes) noexcept {
     ++heapCalls;
-    return __libc_realloc(block, bytes);
+    if (Fails("memory", ENOMEM)) return nullptr;
+    void* const resized = __libc_realloc(block, bytes);
+    liveBlocks += block == nullptr && resized != nullptr ? 1 : 0;
+    liveBlocks -= block != nullptr && bytes == 0 ? 1 : 0;
+    return resized;
 }
 
 extern "C" void free(void* block) noexcept {
     if (block != nullptr && watchedSize != 0) Replace(block, nullptr);
+    liveBlocks -= block != nullptr ? 1 : 0;
     __libc_free(block);
+}
+
+int LiveBlocks() {
+    return liveBlocks;
 }
 
 unsigned int HeapCalls() {

@@ -35,8 +35,23 @@ struct SystemCalls {
 
 extern SystemCalls systemCalls;
 
+/// Has calls into the system fail that the program makes from now on, on whatever thread: the one
+/// of that number, counted from 1, or with `andLater` each from there on as well. 0 ends that. A
+/// call fails as the system has it fail: with null, -1, an error number, fewer bytes. What a
+/// failing close has closed is closed all the same. A call that fails anyway is not counted.
+///
+/// Only where `heapIsWatched`.
+void FailCall(unsigned int number, bool andLater = false);
+
+/// The name of the first call that failed since `FailCall`, or null; "memory" for all that ask for
+/// it.
+const char* FailedCall();
+
 /// Sanitizers bring their own heap; there this is false and what follows does nothing.
 extern const bool heapIsWatched;
+
+/// How many blocks there are.
+int LiveBlocks();
 
 /// How many blocks have been asked for or resized so far.
 unsigned int HeapCalls();

@@ -22,6 +22,7 @@
 #include "Program.h"
 #include "RealServer.h"
 #include "Scale.h"
+#include "TftpAnswers.h"
 #include "TftpHost.h"
 #include "TftpProxy.h"
 #include "TftpScript.h"
@@ -44,12 +45,6 @@ protected:
         alarm(static_cast<unsigned int>(longestTest));
     }
     void TearDown() override { alarm(0); }
-
-    // The text form of one of the hosts.
-    static std::string HostName(unsigned int number = 1) {
-        const std::string text = ToText(RequestPort(number));
-        return text.substr(0, text.find(':'));
-    }
 
     Program::Settings InDirectory() const {
         Program::Settings settings;
@@ -89,39 +84,7 @@ protected:
     }
 
     // Serves the directory `served` from a host.
-    Child Serve(unsigned int host = 1) const {
-        TftpServer::Settings settings;
-        settings.directory = served.Path();
-        settings.resendAfter = 0;
-        auto server = std::make_shared<TftpServer>(UdpSocket(RequestPort(host)), settings);
-        return Child([server] {
-            while (true) server->Serve(1000);
-        });
-    }
-
-    // Answers every datagram that comes to host 1, which nothing else does.
-    using Answers = std::function<void(const UdpSocket&, const Endpoint& client, const Octets&)>;
-    static Child Answer(const Answers& answer) {
-        auto socket = std::make_shared<UdpSocket>(RequestPort());
-        return Child([socket, answer] {
-            Octets datagram;
-            Endpoint client;
-            while (true) {
-                if (socket->Receive(datagram, client, 1000)) answer(*socket, client, datagram);
-            }
-        });
-    }
-
-    // A server that sends so many full blocks and falls silent then.
-    static Child AnswerWithBlocks(unsigned int count) {
-        return Answer([count](const UdpSocket& socket, const Endpoint& client,
-                              const Octets& asked) {
-            const unsigned int done = asked[1] == 1 ? 0
-                                                    : static_cast<unsigned char>(asked[2]) * 256u +
-                                                          static_cast<unsigned char>(asked[3]);
-            if (done < count) socket.Send(client, Data(done + 1, Octets(512, 'x')));
-        });
-    }
+    Child Serve(unsigned int host = 1) const { return ServeFolder(served.Path(), host); }
 
     // A server that sends one full block and lets the test know: what is read from the descriptor
     // then is one byte. Falls silent, or sends the last block a second later.

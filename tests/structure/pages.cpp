@@ -1,5 +1,6 @@
-// Runs the programs of docs/surprises.md, each in a process of its own, since some change the state
-// of theirs. In front of what each prints stands the line of the page on which it begins.
+// Runs the programs of a page of docs/, named by its argument, each in a process of its own, since
+// some change the state of theirs. In front of what each prints stands the line of the page on
+// which it begins.
 
 #include <arpa/inet.h>
 #include <fcntl.h>
@@ -21,26 +22,10 @@
 #include <string>
 #include <typeinfo>
 
-#include "TqBaseRef.h"
-#include "TqBoolean.h"
-#include "TqBuffer.h"
-#include "TqCallbackChain.h"
-#include "TqCallbackData.h"
-#include "TqClassInfo.h"
-#include "TqClassRegistry.h"
-#include "TqCounter.h"
-#include "TqDateTime.h"
-#include "TqFile.h"
-#include "TqFloat.h"
-#include "TqFunctionCb.h"
-#include "TqHooks.h"
-#include "TqIpAddress.h"
-#include "TqNetworkMask.h"
-#include "TqNumber.h"
-#include "TqSnmpOid.h"
-#include "TqSortedStringList.h"
-#include "TqString.h"
-#include "TqTftp.h"
+#include "Tq.h"
+#include "TqDownload.h"
+#include "TqReportSentence.h"
+#include "TqTftpText.h"
 
 namespace {
 
@@ -49,11 +34,12 @@ void PrintReport(const char* file, int) {
 }
 
 struct Program {
+    const char* page;
     int line;
     void (*run)();
 };
 
-#include "surprises_programs.h"
+#include "pages_programs.h"
 
 [[noreturn]] void RunHere(const Program& program) {
     TqRegisterAssertCb(PrintReport);
@@ -74,9 +60,9 @@ bool Run(const Program& program) {
 
 }  // namespace
 
-int main() {
+int main(int, char** arguments) {
     for (const Program& program : programs) {
-        if (!Run(program)) return 1;
+        if (strcmp(program.page, arguments[1]) == 0 && !Run(program)) return 1;
     }
     return 0;
 }

@@ -1,0 +1,89 @@
+"""What a changed source is compiled and linked with, by the commands of a build folder."""
+import json
+import os
+import re
+import shutil
+import subprocess
+
+PROGRAMS = ['libtqcommon.so', 'comfort/libtqcomfort.so', 'tools/tqfetch/tqfetch',
+            'tools/tftpserve/tftpserve', 'tests/tqcommon_tests']
+# A warning is not a test that notices, and what is compiled here is neither debugged nor counted.
+UNWANTED = re.compile(r' (-Werror|-g|--coverage|-fprofile-update=\w+)(?= )|^\S*ccache ')
+
+
+class DoesNotBuild(Exception):
+    pass
+
+
+def run(command, folder):
+    done = subprocess.run(command, shell=True, cwd=folder, capture_output=True, text=True,
+                          stdin=subprocess.DEVNULL, check=False)
+    if done.returncode != 0:
+        raise DoesNotBuild(command + '\n' + done.stdout + done.stderr)
+    return done.stdout
+
+
+def output_of(command):
+    return re.search(r' -o (\S+)', command).group(1)
+
+
+class Build:
+    def __init__(self, preset):
+        self.root = os.getcwd()
+        self.folder = os.path.join(self.root, 'build', preset)
+        self.tests = os.path.join(self.folder, 'tests/tqcommon_tests')
+        self.compiling = self._read_compiling()
+        self.objects = self._read_objects()
+        self.linking = [self._link_command(program) for program in PROGRAMS]
+        self.kept = []  # the files that are changed now
+
+    def _read_compiling(self):
+        """Of an object, the command that makes it."""
+        with open(os.path.join(self.folder, 'compile_commands.json'), encoding='utf-8') as file:
+            commands = [entry['command'] for entry in json.load(file)]
+        return {output_of(command): UNWANTED.sub('', command) for command in commands}
+
+    def _read_objects(self):
+        """Of a source or header, the objects that are made of it."""
+        objects = {}
+        target = None
+        for line in run('ninja -t deps', self.folder).split('\n'):
+            if not line.startswith(' '):
+                target = line.split(':')[0]
+            elif target in self.compiling:
+                name = os.path.relpath(os.path.join(self.folder, line.strip()), self.root)
+                objects.setdefault(name, []).append(target)
+        return objects
+
+    def _link_command(self, program):
+        path = os.path.realpath(os.path.join(self.folder, program))
+        name = os.path.relpath(path, self.folder)
+        return run('ninja -t commands ' + name, self.folder).strip().split('\n')[-1]
+
+    def _keep(self, path):
+        shutil.copy2(path, path + '.kept')
+        self.kept.append(path)
+
+    def _remake(self, command):
+        self._keep(os.path.join(self.folder, output_of(command)))
+        run(command, self.folder)
+
+    def make(self, change):
+        """Makes the change, and anew what depends on it."""
+        self._keep(change.file)
+        with open(change.file, encoding='utf-8') as file:
+            lines = file.read().split('\n')
+        lines[change.number - 1] = change.new
+        with open(change.file, 'w', encoding='utf-8') as file:
+            file.write('\n'.join(lines))
+        objects = self.objects[change.file]
+        for name in objects:
+            self._remake(self.compiling[name])
+        for command in self.linking:
+            if any(' %s ' % name in command for name in objects):
+                self._remake(command)
+
+    def undo(self):
+        for path in self.kept:
+            os.replace(path + '.kept', path)
+        self.kept = []
