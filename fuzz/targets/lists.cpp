@@ -20,10 +20,10 @@ struct Model {
     unsigned int Count() const { return static_cast<unsigned int>(items.size()); }
 
     void Insert(unsigned int index, void* item) {
-        items.insert(items.begin() + static_cast<int>(index) - 1, item);
+        items.insert(items.begin() + static_cast<int>(index - 1), item);
         if (Count() == capacity) capacity = Count() + 16;
     }
-    void Remove(unsigned int index) { items.erase(items.begin() + static_cast<int>(index) - 1); }
+    void Remove(unsigned int index) { items.erase(items.begin() + static_cast<int>(index - 1)); }
     unsigned int Find(const void* item) const {
         const auto found = std::find(items.begin(), items.end(), item);
         return found == items.end() ? 0 : static_cast<unsigned int>(found - items.begin()) + 1;
@@ -248,20 +248,15 @@ void StepReferences(RefLists& its, RefLists& other, Objects& objects, Input& inp
             return;
         }
         case 6: {
-            // Both lose a reference, which stand-ins make up for.
-            Objects::Object& old = objects.Of(model.items[index - 1]);
-            objects.Own(old, true);
-            objects.Own(object, true);
+            // Items that differ lose a reference each, and a slot is gained that has none.
+            TqBaseObject* const old = objects.Of(model.items[index - 1]).object;
+            TqBaseObject::IncrementRefCount(item, item->seqNum);
+            if (old != item) {
+                TqBaseObject::IncrementRefCount(item, item->seqNum);
+                TqBaseObject::IncrementRefCount(old, old->seqNum);
+            }
             its.list.ReplaceSlot(index, item);
             model.Insert(index, item);
-            if (&old == &object) {
-                // Twice in the list, once counted.
-                TqBaseObject::IncrementRefCount(item, item->seqNum);
-            } else {
-                TqBaseObject::IncrementRefCount(old.object, old.object->seqNum);
-                TqBaseObject::IncrementRefCount(item, item->seqNum);
-                TqBaseObject::IncrementRefCount(item, item->seqNum);
-            }
             ++object.count;
             return;
         }
