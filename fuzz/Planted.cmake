@@ -4,7 +4,7 @@ tq_planted(buffers common/TqBuffer.cpp
     [[s/count > limit || position > limit - count/position + count > limit/]])
 tq_planted(values common/TqBuffer.cpp [[s/count > BytesLeft(\*this)/count > length/]])
 tq_planted(texts common/TqNumber.cpp [[s/"On", "Yes"/"On", "Off", "Yes"/]])
-tq_planted(lists common/TqBaseList.cpp [[s/count == capacity/count > capacity + 1/]])
+tq_planted(lists common/TqBaseList.cpp [[s/(std::size_t(capacity) + 1)/std::size_t(capacity)/]])
 tq_planted(handles common/TqBaseRef.cpp [[s/obj == nullptr ? 0 : obj->seqNum/objectSeqNum/]])
 tq_planted(identifiers common/TqSnmpOid.cpp [[s/+ (needed % step != 0)/+ 1/]])
 tq_planted(addresses common/TqIpAddress.cpp [[s/field > 255/field > 256/]])

@@ -1,7 +1,5 @@
 # The programs that look for inputs, and those that show that they would find one: the same, linked
 # with a source that has one fault.
-add_custom_target(fuzz_planted)
-
 foreach(source IN LISTS targetSources)
     get_filename_component(target "${source}" NAME_WE)
     add_library(fuzz_target_${target} OBJECT ${source})
@@ -41,7 +39,6 @@ function(tq_planted target source script)
     else()
         set_target_properties(${program} PROPERTIES EXCLUDE_FROM_ALL ON)
     endif()
-    add_dependencies(fuzz_planted ${program})
 endfunction()
 
 include(Planted.cmake)

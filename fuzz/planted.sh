@@ -8,7 +8,7 @@ start=$(date +%s)
 "$2" -max_total_time=60 -seed=1 -timeout=20 -rss_limit_mb=1024 -artifact_prefix="$work/" \
     "$work/corpus" >"$work/log" 2>&1
 status=$?
-words=$(grep -m 1 -oE 'does not hold: .*|ERROR: AddressSanitizer: [a-z-]*|runtime error: .*|ERROR: LeakSanitizer' "$work/log")
+words=$(grep -m 1 -oE 'does not hold: .*|ERROR: AddressSanitizer: [A-Za-z-]*|runtime error: .*|ERROR: LeakSanitizer' "$work/log")
 if [ $status -eq 0 ] || [ -z "$words" ]; then
     echo "FAIL $1: the planted fault was not found"
     tail -n 20 "$work/log"

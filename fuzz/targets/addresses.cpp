@@ -32,9 +32,20 @@ unsigned int AnyNumber(Input& input) {
 
 // A text that may be an address.
 std::string AnyText(Input& input) {
-    if (input.Below(2) == 0) return input.Text(24);
-    const std::string address = DottedText(AnyNumber(input));
-    return address + input.Text(2);
+    switch (input.Below(3)) {
+        case 0:
+            return input.Text(24);
+        case 1: {
+            const std::string address = DottedText(AnyNumber(input));
+            return address + input.Text(2);
+        }
+        default: {
+            // Of fields that may be too large.
+            std::string fields = std::to_string(input.Byte() * 2);
+            for (int i = 0; i < 3; ++i) fields += "." + std::to_string(input.Byte() * 2);
+            return fields;
+        }
+    }
 }
 
 void TakeText(TqIpAddress& address, Model& model, Input& input) {
