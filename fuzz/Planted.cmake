@@ -14,3 +14,4 @@ tq_planted(files common/TqFile.cpp [[s/fgets(line, sizeof line/fgets(line, sizeo
 tq_planted(tftp common/TqTftp.cpp [[s/AcknowledgedBlock() == 0 || sender/true || sender/]])
 tq_planted(ifagent examples/ifagent/Interface.cpp [[s/std::min(packets, \(.*\))/\1/]])
 tq_planted(tqfetch tools/tqfetch/Message.cpp [[s/0xA0, 0x800/0x80, 0x800/]])
+tq_planted(tqitems tools/tqitems/Json.cpp [[s/ || c == '\\\\') quoted/) quoted/]])
