@@ -143,7 +143,7 @@ void Append(Modelled& its, Input& input) {
             const int number = static_cast<int>(input.Number());
             its.string.AppendNumber(number);
             if (number < 0) its.model.Append("-");
-            its.model.Append(NumberText(number).substr(number < 0 ? 1 : 0));
+            its.model.Append(NumberText(number).substr(number < 0 ? 1u : 0u));
             break;
         }
         default:
