@@ -62,7 +62,7 @@ public:
     /// here; the destructor reports it.
     static int DecrementRefCount(TqBaseObject* obj, unsigned int seq);
 
-    int refCount;              ///< references held
+    int refCount TQ_GUARDED_BY(objectMutex);  ///< references held
     unsigned int seqNum;       ///< identity stamp, copied by those who hold the object
     TqBaseObject* self;        ///< this object's address while it lives, then null
     TqLinuxMutex objectMutex;  ///< guards `refCount`

@@ -10,7 +10,7 @@ const short ownTypeId = 8;
 
 // Two reports where both are wrong: who reads them tells a dead object, whose stamp is cleared too,
 // from a foreign one.
-TQ_ALWAYS_INLINE void CheckHeld(const TqBaseRef& handle) {
+TQ_READS_ANY_OBJECT TQ_ALWAYS_INLINE void CheckHeld(const TqBaseRef& handle) {
     const TqBaseObject* held = handle.object;
     if (held == nullptr) return;
     TQ_REPORT_IF(held->self != held);

@@ -7,11 +7,11 @@ namespace {
 
 const char sourceName[] = "TqBaseRefList";
 
-void Lock(const TqBaseRefList& list) {
+void Lock(const TqBaseRefList& list) TQ_TAKES(list.listMutex) {
     TQ_REPORT_IF(list.listMutex.Lock() != 0);
 }
 
-void Unlock(const TqBaseRefList& list) {
+void Unlock(const TqBaseRefList& list) TQ_GIVES_BACK(list.listMutex) {
     TQ_REPORT_IF(list.listMutex.Unlock() != 0);
 }
 
@@ -51,13 +51,13 @@ unsigned int PlaceNow(const TqBaseRefList& list, const TqBaseObject* item, unsig
 }
 
 // No destructor runs in here, so the list stays as it is.
-void TakeReferences(const TqBaseRefList& list) {
+void TakeReferences(const TqBaseRefList& list) TQ_NEEDS(list.listMutex) {
     for (unsigned int i = 1; i <= list.count; ++i) TakeReference(CheckedItem(list, i));
 }
 
 // The count is read anew before each step: a destructor may change the list. A slot is emptied once
 // its reference is dropped, so that what such a destructor does cannot drop it again.
-void DropReferences(const TqBaseRefList& list) {
+void DropReferences(const TqBaseRefList& list) TQ_NEEDS(list.listMutex) {
     for (unsigned int i = 1; i <= list.count; ++i) {
         TqBaseObject* item = CheckedItem(list, i);
         if (item == nullptr) continue;

@@ -9,6 +9,14 @@
 /// just that: the undefined-behaviour sanitizer must not ask first.
 #define TQ_READS_ANY_OBJECT __attribute__((no_sanitize("vptr")))
 
+/// Marks a field that is changed under this mutex alone. Only where the library itself is compiled
+/// does the compiler ask for it: applications read such fields as they like.
+#ifdef TQ_CHECKS_LOCKS
+#define TQ_GUARDED_BY(mutex) __attribute__((guarded_by(mutex)))
+#else
+#define TQ_GUARDED_BY(mutex)
+#endif
+
 /// Marks what is inlined even where a compiler saves space: what is left of it is smaller than the
 /// call.
 #define TQ_ALWAYS_INLINE inline __attribute__((always_inline))

@@ -7,6 +7,13 @@
 /// nothing but the C library; without it only the library calls them.
 #define TQ_LINUX_MUTEX_INLINE
 
+// Says to clang, which checks it when asked to (-Wthread-safety), what is a lock and who takes it.
+#ifdef __clang__
+#define TQ_LOCK_ATTRIBUTE(attribute) __attribute__((attribute))
+#else
+#define TQ_LOCK_ATTRIBUTE(attribute)
+#endif
+
 /// The mutex that the device supplies: the one thing the library asks of its platform. A device
 /// build puts its own header of this name in its own directory and points `TQ_PLATFORM_DIR` at it;
 /// README.md beside this file states what such a directory holds.
@@ -17,7 +24,7 @@
 ///
 /// This one is an error-checking POSIX mutex: a thread that locks it twice gets EDEADLK at once
 /// instead of hanging, and one that unlocks what it does not hold gets EPERM.
-class TqLinuxMutex {
+class TQ_LOCK_ATTRIBUTE(capability("mutex")) TqLinuxMutex {
 public:
     TqLinuxMutex();
     ~TqLinuxMutex() { pthread_mutex_destroy(&mutex); }
@@ -26,10 +33,10 @@ public:
     TqLinuxMutex& operator=(const TqLinuxMutex&) = delete;
 
     /// Waits for the mutex. Returns 0, or an error number and the mutex is not taken.
-    int Lock() { return pthread_mutex_lock(&mutex); }
+    int Lock() TQ_LOCK_ATTRIBUTE(acquire_capability()) { return pthread_mutex_lock(&mutex); }
 
     /// Gives the mutex back. Returns 0, or an error number and nothing has changed.
-    int Unlock() { return pthread_mutex_unlock(&mutex); }
+    int Unlock() TQ_LOCK_ATTRIBUTE(release_capability()) { return pthread_mutex_unlock(&mutex); }
 
 private:
     pthread_mutex_t mutex;

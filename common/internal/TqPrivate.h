@@ -54,6 +54,18 @@ TQ_READS_ANY_OBJECT inline Field TqFieldTakenAs(const TqDataType& other, Field T
 /// the thread sanitizer must not take the read for a mistake.
 #define TQ_READS_UNLOCKED __attribute__((no_sanitize("thread")))
 
+/// Mark what takes a mutex for its caller, gives it back, or is called while it is held. A breach
+/// is an error where clang compiles the library.
+#ifdef TQ_CHECKS_LOCKS
+#define TQ_TAKES(mutex) __attribute__((acquire_capability(mutex)))
+#define TQ_GIVES_BACK(mutex) __attribute__((release_capability(mutex)))
+#define TQ_NEEDS(mutex) __attribute__((requires_capability(mutex)))
+#else
+#define TQ_TAKES(mutex)
+#define TQ_GIVES_BACK(mutex)
+#define TQ_NEEDS(mutex)
+#endif
+
 /// A walk over a list: raises the list's `walkDepth` for as long as it lives. A callback, or what
 /// else the walk calls, may leave it with an exception.
 class TqWalk {

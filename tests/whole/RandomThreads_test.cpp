@@ -166,7 +166,7 @@ TEST(RandomThreads, NeitherLoseNorForgetAnObject) {
 #ifdef TQ_HAVE_FAULTS
     TqWatchMutexes(FailSome);
 #endif
-    std::atomic<unsigned long long> steps(0);
+    std::atomic<unsigned int> steps(0);
     {
         Shared shared;
         const long long end = Now() + Milliseconds();
@@ -189,7 +189,7 @@ TEST(RandomThreads, NeitherLoseNorForgetAnObject) {
     TqRegisterAssertCb(before);
     EXPECT_EQ(living, 0);
     EXPECT_EQ(reports, failures);
-    std::printf("[   STEPS  ] %llu, with %u failing mutex calls, from seed %u\n", steps.load(),
+    std::printf("[   STEPS  ] %u, with %u failing mutex calls, from seed %u\n", steps.load(),
                 failures.load(), Seed());
 }
 

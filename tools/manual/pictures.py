@@ -53,7 +53,7 @@ def line(x1, y1, x2, y2, style="edge", more=""):
 # The class diagram.
 
 DERIVED = re.compile(r"^class (?:TQ_API )?(\w+)(?: final)? : public (\w+)(<\w+>)?", re.M)
-STANDING = re.compile(r"^(template <[^>]*>\n)?class (?:TQ_API )?(\w+)[^;{]*{", re.M)
+STANDING = re.compile(r"^(template <[^>]*>\n)?class (?:TQ_\w+(?:\(.*\))? )?(\w+)[^;{]*{", re.M)
 
 
 def class_pairs():
