@@ -58,6 +58,6 @@ change virtual-added TqBaseList.h 's/^    virtual void RemoveAllItems();/    vir
 expect virtual-added INCOMPATIBLE
 change operation-gone TqHooks.h 's/^TQ_API TqAssertCb TqUnRegisterAssertCb/TqAssertCb TqUnRegisterAssertCb/'
 expect operation-gone INCOMPATIBLE
-change operation-added TqHooks.h 's/^TQ_API void TqCallAssert/TQ_API __attribute__((used)) inline int TqFresh() { return 0; }\n&/'
+change operation-added TqHooks.h 's/^TQ_API .*TqCallAssert(/TQ_API __attribute__((used)) inline int TqFresh() { return 0; }\n&/'
 expect operation-added '^Compatible'
 exit $failed

@@ -24,7 +24,6 @@ expect() {
 }
 
 expect value 'TqNumber sent|ToBuffer|'
-expect value 'TqBuffer packet|Append|"00002"'
 expect value 'TqBuffer packet|Append|"42"'
 expect value 'TqNumber received|FromBuffer|'
 expect object 'TqClassRegistry registry|NewObject|"Monitor"'

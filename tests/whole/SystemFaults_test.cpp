@@ -26,6 +26,7 @@
 #include "Files.h"
 #include "Objects.h"
 #include "Reports.h"
+#include "Scale.h"
 #include "SystemCalls.h"
 #include "TftpHost.h"
 #include "TftpScript.h"
@@ -578,10 +579,15 @@ Outcomes With(Outcomes outcomes, const Outcomes& more) {
     return outcomes;
 }
 
+// Seconds in which what answers does so, on a busy machine too. What does not takes as long.
+unsigned int Patience() {
+    return IsOnDevice() ? 10 : 3;
+}
+
 TEST_F(SystemFaultsOfTftp, ADownloadIntoABuffer) {
     Expect(outcomesOfAFetch, [&] {
         TqDownload download(hostName.c_str(), "motd");
-        download.patience = 1;
+        download.patience = Patience();
         TqBuffer buffer(AsBytes(long100), 10);
         download.ToBuffer(buffer);
         const bool isKept = buffer.length == (download.result == 0 ? 1210u : 10u);
@@ -602,7 +608,7 @@ TEST_F(SystemFaultsOfTftp, ADownloadIntoAFile) {
                                    {"fclose", {"passed"}}}),
            [&] {
                TqDownload download(hostName.c_str(), "motd");
-               download.patience = 1;
+               download.patience = Patience();
                download.ToFile(path.c_str());
                return ResultOf(download);
            });
@@ -623,7 +629,7 @@ TEST_F(SystemFaultsOfTftp, ADownloadThatIsEndedInTheMiddle) {
     const std::string host = text.substr(0, text.find(':'));
     Expect(With(outcomesOfAFetch, {{"setsockopt", {"passed"}}, {"recvfrom", {"passed"}}}), [&] {
         TqDownload download(host.c_str(), "motd");
-        download.patience = 1;
+        download.patience = Patience();
         download.mostBytes = 100;
         download.ToFunction([](const unsigned char*, unsigned int) { return true; });
         return download.result == TqDownload::tooMany ? "passed" : Number(download.result);

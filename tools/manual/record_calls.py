@@ -15,6 +15,8 @@ import subprocess
 import gdb
 
 OPERATION = re.compile(r"^(Tq\w+|Monitor)(?:<.*?>)?::(~?\w+|operator[^(]*)\(([^)]*)")
+# Helpers without a part of their own; what is locked is recorded anyway.
+UNTOLD = {"TqWalk", "TqLinuxMutex"}
 # What the typed forms and the recorded class are, as far as mutexes go.
 UNTYPED = {"TqRef": "TqBaseRef", "TqRefList": "TqBaseRefList", "Monitor": "TqBaseObject"}
 MUTEXES = {"TqBaseRef": "refMutex", "TqBaseRefList": "listMutex", "TqBaseObject": "objectMutex"}
@@ -140,7 +142,7 @@ def operations():
         for line in names.splitlines():
             address, kind, name = line.split(" ", 2)
             match = OPERATION.match(name)
-            if kind in "TWt" and match:
+            if kind in "TWt" and match and match[1] not in UNTOLD:
                 yield base + int(address, 16), match.groups()
 
 
