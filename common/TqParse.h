@@ -25,7 +25,8 @@
 /// Each of these returns true when all of `text` is the text form of the type, and stores it. Else
 /// it returns false and stores nothing. `end`, when not null, receives where it stopped: the end of
 /// the text after a success, else the first character that does not fit, which is the first digit
-/// of a number that is out of range, and the beginning of a word that is not known.
+/// of an integer that is out of range, and the beginning, sign included, of a float that is and of
+/// a word that is not known.
 ///
 /// There are no blanks before, in or behind any form. Null for `text` is reported and fails; `end`
 /// is null then.
