@@ -31,9 +31,10 @@ const unsigned int blockSize = 512;
 const int lookAround = 200;
 
 // The client blocks in its receive once its time-out has run out, and sends again only when
-// something interrupts the receive. Nothing needs to before the shortest time-out is over; and
-// whatever interrupts its wait before the receive makes it print a line.
-const long long firstTimeout = 4000;
+// something interrupts the receive. Nothing needs to before the shortest time-out, 4 seconds, is
+// over; and whatever interrupts its wait before the receive makes it print a line. That wait may
+// take all of the 4 seconds, and begins a little after this side has begun to count.
+const long long beforeFirstTick = 4500;
 const long long betweenTicks = 1000;
 
 const int betweenStops = 5;
@@ -630,7 +631,7 @@ unsigned int TqDownload::Fetch(Receiver receive, void* user) {
 unsigned int TqDownload::Receive(Transfer& transfer, Receiver receive, void* user) {
     unsigned int blocks = 0;
     long long since = Now();
-    long long ticked = since + firstTimeout - betweenTicks;
+    long long nextTick = since + beforeFirstTick;
     while (true) {
         const BlockQueue::Taken taken = transfer.Take(TimeLeft(since));
         for (unsigned int i = 0; i < taken.count; ++i) {
@@ -642,13 +643,13 @@ unsigned int TqDownload::Receive(Transfer& transfer, Receiver receive, void* use
         }
         if (taken.areLast) break;
         if (taken.count > 0) {
-            ticked = since + firstTimeout - betweenTicks;
+            nextTick = since + beforeFirstTick;
             continue;
         }
         if (IsOver(since)) break;
         Watch(Now() - since + 1);
-        if (Now() - ticked > betweenTicks) {
-            ticked = Now();
+        if (Now() >= nextTick) {
+            nextTick = Now() + betweenTicks;
             transfer.Tick();
         }
     }

@@ -374,7 +374,7 @@ TEST_F(TqDownloadFetch, AWatcherMayCancel) {
 class PrintedTo {
 public:
     explicit PrintedTo(const std::string& path) : output(Flushed()) {
-        const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+        const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
         dup2(file, STDOUT_FILENO);
         close(file);
     }
@@ -393,22 +393,33 @@ private:
     const int output;
 };
 
+// What the client prints while its first request gets no answer.
+std::string PrintedWhenARequestIsLost(const std::string& path) {
+    const PrintedTo file(path);
+    const Child server = Answer(
+        [requests = 0](const UdpSocket& socket, const Endpoint& client, const Octets&) mutable {
+            if (++requests == 2) socket.Send(client, Data(1, "late"));
+        });
+    TqBuffer buffer;
+    EXPECT_EQ(TqDownload(HostName().c_str(), "motd").ToBuffer(buffer), TqDownload::complete);
+    EXPECT_EQ(buffer.length, 4u);
+    fflush(stdout);
+    return ReadFile(path);
+}
+
 // The client sends the request again only when something interrupts its receive. It complains when
-// its wait before the receive is interrupted.
+// its wait before the receive is interrupted, which happens on a busy machine, but not always.
 TEST_F(TqDownloadFetch, ALostRequestIsSentAgain) {
-    {
-        const PrintedTo file(directory.Path("printed"));
-        const Child server = Answer(
-            [requests = 0](const UdpSocket& socket, const Endpoint& client, const Octets&) mutable {
-                if (++requests == 2) socket.Send(client, Data(1, "late"));
-            });
-        TqBuffer buffer;
-        EXPECT_EQ(TqDownload(HostName().c_str(), "motd").ToBuffer(buffer), TqDownload::complete);
-        EXPECT_EQ(ContentOf(buffer), "late");
+    int complaints = 0;
+    while (complaints < 4) {
+        const std::string printed = PrintedWhenARequestIsLost(directory.Path("printed"));
+        if (printed.find("failed") == std::string::npos) {
+            EXPECT_NE(printed.find("select() timeout"), std::string::npos) << printed;
+            break;
+        }
+        ++complaints;
     }
-    const std::string printed = ReadFile(directory.Path("printed"));
-    EXPECT_NE(printed.find("select() timeout"), std::string::npos) << printed;
-    EXPECT_EQ(printed.find("failed"), std::string::npos) << printed;
+    EXPECT_LT(complaints, 4);
 }
 
 TEST_F(TqDownloadFetch, WaitingTakesNoProcessorTime) {
