@@ -214,7 +214,8 @@ class OpenEmbedded:
         folder = self.recipe["EXTERNALSRC_BUILD"]
         run(["cmake", "-G", "Ninja", "-S", self.recipe["EXTERNALSRC"], "-B", folder,
              "-DCMAKE_SYSTEM_NAME=Linux", f"-DCMAKE_CXX_COMPILER={self.compiler}",
-             f"-DCMAKE_CXX_FLAGS={FLAGS}", "-DCMAKE_INSTALL_PREFIX:PATH=/usr",
+             f"-DCMAKE_CXX_FLAGS={FLAGS}", "-DCMAKE_CXX_FLAGS_RELEASE=-DNDEBUG",
+             "-DCMAKE_INSTALL_PREFIX:PATH=/usr",
              "-DCMAKE_INSTALL_BINDIR:PATH=bin", "-DCMAKE_INSTALL_LIBDIR:PATH=lib",
              "-DCMAKE_INSTALL_INCLUDEDIR:PATH=include", "-DCMAKE_INSTALL_DATAROOTDIR:PATH=share",
              "-DCMAKE_INSTALL_SO_NO_EXE=0", "-DCMAKE_NO_SYSTEM_FROM_IMPORTED=1",
