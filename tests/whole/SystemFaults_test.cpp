@@ -168,7 +168,7 @@ public:
             }
         });
         int status = 0;
-        hasEnded = child.Wait(20000, status) && status == 0;
+        hasEnded = child.Wait(20000 * Slowness(), status) && status == 0;
     }
 
     bool HasEnded() const {
