@@ -301,8 +301,15 @@ class Target {
 public:
     explicit Target(const char* wanted)
         : path(wanted), isPlain(IsPlain(wanted)), own(wanted), file(nullptr) {
-        if (isPlain) own += ".part";
-        file = std::fopen(own.data, "we");
+        if (!isPlain) {
+            file = std::fopen(path, "we");
+            return;
+        }
+        // What an earlier fetch left there may be a link of somebody else's as well, who wants a
+        // file overwritten: never written to, and not found again when it is made anew.
+        own += ".part";
+        unlink(own.data);
+        file = std::fopen(own.data, "wxe");
     }
     ~Target() {
         if (file == nullptr) return;

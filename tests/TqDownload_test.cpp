@@ -121,6 +121,30 @@ TEST_F(TqDownloadFetch, AFileIsThereWhenItIsComplete) {
     EXPECT_EQ(directory.Names(), std::vector<std::string>({"motd"}));
 }
 
+TEST_F(TqDownloadFetch, WhatStandsInTheWayOfAFileIsNotWrittenTo) {
+    WriteFile(served.Path("motd"), "new");
+    const Child server = Serve();
+    TqDownload download(HostName().c_str(), "motd");
+    const std::string path = directory.Path("motd");
+    WriteFile(directory.Path("precious"), "old");
+    ASSERT_EQ(symlink("precious", (path + ".part").c_str()), 0);
+    EXPECT_EQ(download.ToFile(path.c_str()), TqDownload::complete);
+    EXPECT_EQ(ReadFile(directory.Path("precious")), "old");
+    EXPECT_EQ(ReadFile(path), "new");
+    ASSERT_EQ(link(directory.Path("precious").c_str(), (path + ".part").c_str()), 0);
+    EXPECT_EQ(download.ToFile(path.c_str()), TqDownload::complete);
+    EXPECT_EQ(ReadFile(directory.Path("precious")), "old");
+    EXPECT_EQ(directory.Names(), std::vector<std::string>({"motd", "precious"}));
+}
+
+TEST_F(TqDownloadFetch, WhatCannotBeRemovedFromTheWayIsAFailure) {
+    ASSERT_EQ(mkdir(directory.Path("motd.part").c_str(), 0700), 0);
+    TqDownload download(HostName().c_str(), "motd");
+    EXPECT_EQ(download.ToFile(directory.Path("motd").c_str()), TqDownload::refused);
+    EXPECT_STREQ(download.words.data, "File exists");
+    EXPECT_EQ(directory.Names(), std::vector<std::string>({"motd.part"}));
+}
+
 TEST_F(TqDownloadFetch, AFailureLeavesTheFileAsItWas) {
     WriteFile(directory.Path("motd"), "old");
     const Child server = AnswerWithBlocks(2);
