@@ -1,5 +1,5 @@
-// Counts, handles and objects: this library, the standard library, the steps that are stated of this
-// library, and the mutexes among them alone.
+// Counts, handles and objects: this library, the standard library, the steps that are stated of
+// this library, and the mutexes among them alone.
 
 #include <memory>
 #include <vector>

@@ -1,5 +1,5 @@
-// A change of a handle is hardly more than these two, so they are compiled in where all else is built
-// for size, too.
+// A change of a handle is hardly more than these two, so they are compiled in where all else is
+// built for size, too.
 #define TQ_BASE_OBJECT_BODY TQ_ALWAYS_INLINE
 #include "TqBaseRef.h"
 
