@@ -12,13 +12,14 @@
 #include "TqCallbackChain.h"
 #include "TqClassRegistry.h"
 #include "TqFunctionCb.h"
+#include "TqHooks.h"
 #include "TqSortedStringList.h"
 
 namespace {
 
 int item;
 
-// An array that grows by 16 entries, and whose items move on their own.
+// An array that grows by 16 entries, holds no null, and whose items move on their own.
 class Stated {
 public:
     Stated() : capacity(16), count(0), slots(static_cast<void**>(std::malloc(Size()))) {}
@@ -27,8 +28,12 @@ public:
     ~Stated() { std::free(slots); }
 
     void Insert(unsigned int index, void* inserted) {
+        if (inserted == nullptr) {
+            TqCallAssert("lists", __LINE__);
+            return;
+        }
+        if (__builtin_expect(count + 1 == capacity, 0)) Grow();
         ++count;
-        if (count == capacity) Grow();
         if (count > index) {
             std::memmove(slots + index + 1, slots + index, (count - index) * sizeof(void*));
         }
@@ -58,9 +63,10 @@ public:
 
 const RegisterDuty appendOwn("list_append", ownName, [](unsigned int size) -> Work {
     return [size](unsigned int times) {
+        int* const appended = Opaque(&item);
         for (; times > 0; --times) {
             TqBaseList list;
-            for (unsigned int i = 0; i < size; ++i) list.InsertSlot(list.count + 1, &item);
+            for (unsigned int i = 0; i < size; ++i) list.InsertSlot(list.count + 1, appended);
             Keep(list);
         }
     };
@@ -68,9 +74,10 @@ const RegisterDuty appendOwn("list_append", ownName, [](unsigned int size) -> Wo
 
 const RegisterDuty appendStated("list_append", floorName, [](unsigned int size) -> Work {
     return [size](unsigned int times) {
+        int* const appended = Opaque(&item);
         for (; times > 0; --times) {
             Stated list;
-            for (unsigned int i = 0; i < size; ++i) list.Insert(list.count + 1, &item);
+            for (unsigned int i = 0; i < size; ++i) list.Insert(list.count + 1, appended);
             Keep(list);
         }
     };
@@ -78,9 +85,10 @@ const RegisterDuty appendStated("list_append", floorName, [](unsigned int size) 
 
 const RegisterDuty appendStd("list_append", "std::vector", [](unsigned int size) -> Work {
     return [size](unsigned int times) {
+        int* const appended = Opaque(&item);
         for (; times > 0; --times) {
             std::vector<void*> list;
-            for (unsigned int i = 0; i < size; ++i) list.push_back(&item);
+            for (unsigned int i = 0; i < size; ++i) list.push_back(appended);
             Keep(list);
         }
     };
@@ -172,6 +180,57 @@ struct Chain {
 const RegisterDuty chainOwn("chain", ownName, [](unsigned int size) -> Work {
     return [chain = std::make_shared<Chain>(size)](unsigned int times) {
         for (; times > 0; --times) chain->chain.Invoke(nullptr, nullptr);
+    };
+});
+
+}  // namespace
+
+// A callback that calls a function where there is one, and a walk that is counted, reads the number
+// of callbacks before every step, and may be left with an exception.
+class StatedCallback {
+public:
+    explicit StatedCallback(void (*called)(StatedCallback*, void*, void*)) : function(called) {}
+    virtual ~StatedCallback() = default;
+    __attribute__((noinline)) virtual void Invoke(void* source, void* data) {
+        if (function != nullptr) function(this, source, data);
+    }
+
+private:
+    void (*function)(StatedCallback*, void*, void*);
+};
+
+namespace {
+
+class StatedChain {
+public:
+    __attribute__((noinline)) void Invoke(void* source, void* data) {
+        struct Walk {
+            explicit Walk(unsigned int& walks) : depth(walks) { ++depth; }
+            ~Walk() { --depth; }
+            unsigned int& depth;
+        };
+        const Walk walk(walkDepth);
+        for (std::size_t i = 0; i < callbacks.size(); ++i) callbacks[i]->Invoke(source, data);
+    }
+
+    std::vector<StatedCallback*> callbacks;
+
+private:
+    unsigned int walkDepth = 0;
+};
+
+void CountStated(StatedCallback*, void*, void*) {
+    ++calls;
+    Keep(calls);
+}
+
+const RegisterDuty chainStated("chain", floorName, [](unsigned int size) -> Work {
+    const auto callbacks =
+        std::make_shared<std::vector<StatedCallback>>(size, StatedCallback(CountStated));
+    StatedChain chain;
+    for (StatedCallback& callback : *callbacks) chain.callbacks.push_back(&callback);
+    return [callbacks, chain](unsigned int times) mutable {
+        for (; times > 0; --times) chain.Invoke(nullptr, nullptr);
     };
 });
 

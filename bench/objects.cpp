@@ -1,5 +1,5 @@
-// Counts, handles and objects: this library, the standard library, and the mutexes that this
-// library must take, alone.
+// Counts, handles and objects: this library, the standard library, the steps that are stated of
+// this library, and the mutexes among them alone.
 
 #include <memory>
 #include <vector>
@@ -57,39 +57,94 @@ void CopyAndDropOfMutexes(Lockable& object, Lockable& other) {
     Keep(own);
 }
 
-// An object and a handle whose constructors and destructors are functions, the latter virtual.
-class StatedObject : public Lockable {
+// The steps of an object and a handle as they are stated, and nothing else: the same checks, locks
+// and calls, of which constructors, destructors and the change of a handle are functions.
+void Report(bool broken, int line) {
+    if (__builtin_expect(broken, 0)) TqCallAssert("objects", line);
+}
+
+class StatedObject {
 public:
     __attribute__((noinline)) StatedObject() : self(this) {}
-    __attribute__((noinline)) virtual ~StatedObject() { self = nullptr; }
+    __attribute__((noinline)) virtual ~StatedObject() {
+        Report(count != 0, __LINE__);
+        Report(self != this, __LINE__);
+        stamp = 0;
+        self = nullptr;
+        Keep(*this);
+    }
+
+    static void Count(StatedObject* object, unsigned int stamp) {
+        object->Check(stamp);
+        Report(object->mutex.Lock() != 0, __LINE__);
+        ++object->count;
+        Report(object->mutex.Unlock() != 0, __LINE__);
+    }
+
+    static void Uncount(StatedObject* object, unsigned int stamp) {
+        object->Check(stamp);
+        Report(object->mutex.Lock() != 0, __LINE__);
+        const bool last = --object->count == 0;
+        if (last) object->destroying = true;
+        Report(object->mutex.Unlock() != 0, __LINE__);
+        if (last) delete object;
+    }
+
+    unsigned int stamp = 0;
+    StatedObject* self;
 
 private:
-    StatedObject* volatile self;
+    void Check(unsigned int expected) const {
+        Report(destroying, __LINE__);
+        Report(self != this, __LINE__);
+        Report(stamp != expected, __LINE__);
+    }
+
+    int count = 0;
+    bool destroying = false;
+    TqLinuxMutex mutex;
 };
 
 class StatedHandle {
 public:
-    __attribute__((noinline)) explicit StatedHandle(StatedObject* taken) : object(taken) {
-        mutex.Lock();
-        CountUnderMutex(*object, 1);
-        mutex.Unlock();
+    __attribute__((noinline)) explicit StatedHandle(StatedObject* taken) { Take(taken); }
+    __attribute__((noinline)) StatedHandle(const StatedHandle& other) {
+        Report(other.mutex.Lock() != 0, __LINE__);
+        Take(other.object);
+        Report(other.mutex.Unlock() != 0, __LINE__);
     }
+    __attribute__((noinline)) virtual ~StatedHandle() { Take(nullptr); }
 
-    __attribute__((noinline)) virtual ~StatedHandle() {
-        mutex.Lock();
-        CountUnderMutex(*object, -1);
-        delete object;
-        mutex.Unlock();
-    }
+    StatedObject* object = nullptr;
 
 private:
-    StatedObject* object;
-    TqLinuxMutex mutex;
+    __attribute__((noinline)) void Take(StatedObject* taken) {
+        Report(mutex.Lock() != 0, __LINE__);
+        if (object != nullptr) {
+            Report(object->self != object, __LINE__);
+            Report(object->stamp != stamp, __LINE__);
+        }
+        if (taken != object) {
+            const unsigned int newStamp = taken == nullptr ? 0 : taken->stamp;
+            if (taken != nullptr) StatedObject::Count(taken, newStamp);
+            if (object != nullptr) StatedObject::Uncount(object, stamp);
+            stamp = newStamp;
+            object = taken;
+        }
+        Report(mutex.Unlock() != 0, __LINE__);
+    }
+
+    unsigned int stamp = 0;
+    mutable TqLinuxMutex mutex;
 };
 
-void MakeAndDropOfMutexes() {
-    const StatedHandle held(new StatedObject);
-    Keep(held);
+using StatedHandles = std::vector<StatedHandle>;
+
+std::shared_ptr<StatedHandles> MakeStatedHandles(unsigned int size) {
+    auto handles = std::make_shared<StatedHandles>();
+    handles->reserve(size);
+    for (unsigned int i = 0; i < size; ++i) handles->emplace_back(new StatedObject);
+    return handles;
 }
 
 const RegisterDuty countOwn("count", ownName, [](unsigned int size) -> Work {
@@ -118,7 +173,18 @@ Work PrepareSharedCopies(unsigned int size) {
 
 const RegisterDuty countStd("count", "std::shared_ptr", PrepareSharedCopies);
 
-const RegisterDuty countFloor("count", "the mutexes alone", [](unsigned int size) -> Work {
+const RegisterDuty countStated("count", floorName, [](unsigned int size) -> Work {
+    return [handles = MakeStatedHandles(size)](unsigned int times) {
+        for (; times > 0; --times) {
+            for (const StatedHandle& handle : *handles) {
+                StatedObject::Count(handle.object, 0);
+                StatedObject::Uncount(handle.object, 0);
+            }
+        }
+    };
+});
+
+const RegisterDuty countMutexes("count", "the mutexes alone", [](unsigned int size) -> Work {
     return [objects = std::make_shared<Lockables>(new Lockable[size]), size](unsigned int times) {
         for (; times > 0; --times) {
             for (unsigned int i = 0; i < size; ++i) {
@@ -142,7 +208,18 @@ const RegisterDuty handleOwn("handle", ownName, [](unsigned int size) -> Work {
 
 const RegisterDuty handleStd("handle", "std::shared_ptr", PrepareSharedCopies);
 
-const RegisterDuty handleFloor("handle", "the mutexes alone", [](unsigned int size) -> Work {
+const RegisterDuty handleStated("handle", floorName, [](unsigned int size) -> Work {
+    return [handles = MakeStatedHandles(size)](unsigned int times) {
+        for (; times > 0; --times) {
+            for (const StatedHandle& handle : *handles) {
+                const StatedHandle copy(handle);
+                Keep(copy);
+            }
+        }
+    };
+});
+
+const RegisterDuty handleMutexes("handle", "the mutexes alone", [](unsigned int size) -> Work {
     return [objects = std::make_shared<Lockables>(new Lockable[size]),
             handles = std::make_shared<Lockables>(new Lockable[size]), size](unsigned int times) {
         for (; times > 0; --times) {
@@ -179,10 +256,17 @@ const RegisterDuty objectStd("object", "std::make_shared", [](unsigned int size)
     };
 });
 
-const RegisterDuty objectFloor("object", "the mutexes and new", [](unsigned int size) -> Work {
-    if (size != 1) return Work();
-    return [](unsigned int times) {
-        for (; times > 0; --times) MakeAndDropOfMutexes();
+const RegisterDuty objectStated("object", floorName, [](unsigned int size) -> Work {
+    if (size == 1) {
+        return [](unsigned int times) {
+            for (; times > 0; --times) {
+                const StatedHandle held(new StatedObject);
+                Keep(held);
+            }
+        };
+    }
+    return [size](unsigned int times) {
+        for (; times > 0; --times) Keep(MakeStatedHandles(size));
     };
 });
 

@@ -44,8 +44,17 @@ Work Assign(unsigned int size) {
 // which grows to multiples of 16. Its constructors and its destructor are functions.
 class Stated {
 public:
-    __attribute__((noinline)) explicit Stated(const char* text) { Take(text, std::strlen(text)); }
-    __attribute__((noinline)) Stated(const Stated& other) { Take(other.data, other.length); }
+    __attribute__((noinline)) explicit Stated(const char* text) {
+        Reserve(std::strlen(text));
+        std::memcpy(data, text, length + 1);
+    }
+    // As many characters as are counted: the text up to its first NUL, and NULs.
+    __attribute__((noinline)) Stated(const Stated& other) {
+        Reserve(other.length);
+        std::memcpy(data, other.data, length + 1);
+        const std::size_t used = std::strlen(data);
+        if (used < length) std::memset(data + used, 0, length - used);
+    }
     __attribute__((noinline)) virtual ~Stated() {
         if (data != inside) std::free(data);
     }
@@ -57,7 +66,7 @@ public:
     }
 
 private:
-    void Take(const char* text, std::size_t count) {
+    void Reserve(std::size_t count) {
         std::memset(inside, 0, sizeof inside);
         data = inside;
         capacity = 32;
@@ -66,7 +75,6 @@ private:
             data = static_cast<char*>(std::malloc(count + 1));
             capacity = length + 1;
         }
-        std::memcpy(data, text, count + 1);
     }
 
     __attribute__((noinline)) void Grow() {

@@ -12,6 +12,7 @@
 
 #include "Duty.h"
 #include "TqBuffer.h"
+#include "TqHooks.h"
 #include "TqIpAddress.h"
 #include "TqNumber.h"
 #include "TqSnmpOid.h"
@@ -168,15 +169,18 @@ const RegisterDuty oidCompareOwn("oid_compare", ownName, [](unsigned int size) -
     };
 });
 
-// Both are asked for their type; then the numbers are compared one by one.
-class Stated {
-public:
-    explicit Stated(const std::vector<unsigned int>& numbers) : values(numbers) {}
-    virtual ~Stated() = default;
-    virtual short TypeId() const { return typeId; }
+}  // namespace
 
-    __attribute__((noinline)) int Compare(const Stated& other) const {
-        if (other.TypeId() != TypeId()) return 0;
+// Both are asked for their type, which an application's class may override; then the numbers are
+// compared one by one.
+class StatedIdentifier {
+public:
+    explicit StatedIdentifier(const std::vector<unsigned int>& numbers) : values(numbers) {}
+    virtual ~StatedIdentifier() = default;
+    __attribute__((noinline)) virtual short TypeId() const { return typeId; }
+
+    __attribute__((noinline)) int Compare(const StatedIdentifier& other) const {
+        if (other.TypeId() != TypeId()) TqCallAssert("values", __LINE__);
         const std::size_t size = std::min(values.size(), other.values.size());
         for (std::size_t i = 0; i < size; ++i) {
             if (values[i] != other.values[i]) return values[i] < other.values[i] ? -1 : 1;
@@ -189,14 +193,16 @@ private:
     static short typeId;
 };
 
-short Stated::typeId = 12;
+short StatedIdentifier::typeId = 12;
+
+namespace {
 
 const RegisterDuty oidCompareStated("oid_compare", floorName, [](unsigned int size) -> Work {
     const std::vector<unsigned long> numbers = Numbers(size);
     std::vector<unsigned int> values(numbers.begin(), numbers.end());
-    const Stated first(values);
+    const StatedIdentifier first(values);
     ++values.back();
-    return [first, other = Stated(values)](unsigned int times) {
+    return [first, other = StatedIdentifier(values)](unsigned int times) {
         for (; times > 0; --times) {
             const int order = Opaque(&first)->Compare(*Opaque(&other));
             Keep(order);

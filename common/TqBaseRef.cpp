@@ -1,3 +1,6 @@
+// A change of a handle is hardly more than these two, so they are compiled in where all else is
+// built for size, too.
+#define TQ_BASE_OBJECT_BODY TQ_ALWAYS_INLINE
 #include "TqBaseRef.h"
 
 #include "internal/TqPrivate.h"
@@ -55,10 +58,14 @@ TQ_READS_ANY_OBJECT void TqBaseRef::AssignNewObject(TqBaseObject* obj) {
     TQ_REPORT_IF(refMutex.Lock() != 0);
     CheckHeld(*this);
     if (obj != object) {
-        const unsigned int stamp = obj == nullptr ? 0 : obj->seqNum;
+        // Null is not counted, and to find that out takes as long there as to call.
+        unsigned int stamp = 0;
         // The new one first: it may live by the old one alone.
-        TqBaseObject::IncrementRefCount(obj, stamp);
-        TqBaseObject::DecrementRefCount(object, objectSeqNum);
+        if (obj != nullptr) {
+            stamp = obj->seqNum;
+            TqBaseObject::IncrementRefCount(obj, stamp);
+        }
+        if (object != nullptr) TqBaseObject::DecrementRefCount(object, objectSeqNum);
         objectSeqNum = stamp;
         object = obj;
     }

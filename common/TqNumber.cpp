@@ -17,17 +17,21 @@ const short ownTypeId = 2;
 // turn a 0 of theirs into a 1.
 const char* const trueWords[] = {"T", "Y", "On", "Yes", "One", "True", "Open", "Enable", "Enabled"};
 
+// There is one digit at least.
 int ParseDigits(const char* digits, bool negative) {
     // Unsigned, so that the wrap-around at 32 bits is defined.
     unsigned int value = 0;
-    for (unsigned int digit; (digit = TqDigitOf(*digits)) < 10; ++digits) {
+    unsigned int digit = TqDigitOf(*digits);
+    do {
         value = value * 10 + digit;
-    }
+        digit = TqDigitOf(*++digits);
+    } while (digit < 10);
     return static_cast<int>(negative ? 0u - value : value);
 }
 
-// Nine words, and only for a text without digits: a loop will do.
-bool IsTrueWord(const char* text) {
+// Nine words, and only for a text without digits: a loop will do. It is kept out of what reads the
+// digits, which would make room for its variables.
+__attribute__((noinline)) bool IsTrueWord(const char* text) {
     for (const char* word : trueWords) {
         if (TqString::StringICompare(text, word) == 0) return true;
     }
