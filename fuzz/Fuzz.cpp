@@ -9,10 +9,13 @@
 #include "TqHooks.h"
 
 // What the C library's buffers hold has been written, though the memory sanitizer did not see it.
-#if defined(__clang__) && __has_feature(memory_sanitizer)
+#ifdef __has_feature
+#if __has_feature(memory_sanitizer)
 #include <sanitizer/msan_interface.h>
 #define FUZZ_IS_WRITTEN(bytes, count) __msan_unpoison(bytes, count)
-#else
+#endif
+#endif
+#ifndef FUZZ_IS_WRITTEN
 #define FUZZ_IS_WRITTEN(bytes, count)
 #endif
 
