@@ -169,6 +169,14 @@ TEST(TqClassRegistry, ClassInfoFindsANameWholeAndCaseSensitively) {
     EXPECT_EQ(registry.ClassInfo(""), nullptr);
 }
 
+TEST(TqClassRegistry, AClassMayHaveAnEmptyName) {
+    TqClassRegistry registry;
+    Register(registry, "Port");
+    TqClassInfo* info = Register(registry, "");
+    EXPECT_EQ(registry.ClassInfo(""), info);
+    EXPECT_EQ(registry.Find(TqString("")), info);
+}
+
 TEST(TqClassRegistry, ClassInfoFindsTheFirstInSlotOrder) {
     TqClassRegistry registry;
     TqClassInfo* later = Register(registry, "Port");

@@ -5,6 +5,7 @@
 #include <climits>
 #include <cstring>
 #include <ctime>
+#include <limits>
 #include <memory>
 #include <new>
 #include <string>
@@ -319,6 +320,16 @@ TEST(TqDateTime, EqualsIsReportedAndReturnsFalse) {
     EXPECT_EQ(TakeReports(), Reports({"TqDateTime"}));
     EXPECT_TRUE(date.DoesNotEqual(&date));
     EXPECT_EQ(TakeReports(), Reports({"TqDateTime"}));
+}
+
+TEST(TqDateTime, SetNowLeavesTheDateAsItWasInAYearThatNoDateCanHold) {
+    tm then = tm();
+    then.tm_year = 7;
+    TqDateTime date(&then);
+    systemCalls.time = [] { return std::numeric_limits<time_t>::max(); };
+    date.SetNow();
+    systemCalls = SystemCalls();
+    EXPECT_EQ(date.time.tm_year, 7);
 }
 
 TEST(TqDateTime, KnowsTheTimeAfterTheLastSecondOf32Bits) {

@@ -242,6 +242,18 @@ TEST(TqDeclareClass, ObjectsAreAKindOfTheirRegisteredClassesByName) {
     EXPECT_EQ(fan->IsA("ChassisPart"), 1);
 }
 
+TEST(TqDeclareClass, AClassThatIsRegisteredAgainKeepsItsPlace) {
+    const TqRefList<TqClassInfo>& list = TqClassRegistry::GetRegistry()->classList;
+    TqRegisterClass<ChassisFan>();
+    TqRegisterClass<ChassisPort>();
+    const unsigned int count = list.count;
+    const unsigned int place = list.FindSlot(ChassisFan::ChassisFanInfo);
+    EXPECT_GT(place, 0u);
+    TqRegisterClass<ChassisFan>();
+    EXPECT_EQ(list.count, count);
+    EXPECT_EQ(list.FindSlot(ChassisFan::ChassisFanInfo), place);
+}
+
 TEST(TqDeclareClass, ObjectsAreMadeByName) {
     const Registered part(ChassisPart::ChassisPartInitInfo());
     const Registered port(ChassisGigabitPort::ChassisGigabitPortInitInfo());

@@ -140,6 +140,16 @@ TEST_F(TqFileTest, AssignmentIsReportedAndChangesNothing) {
     file.Close();
 }
 
+TEST_F(TqFileTest, StaysOpenWhenItCannotBeClosed) {
+    TqFile file;
+    Open(file, Make("ab\n"));
+    FILE* const stream = file.stream;
+    close(fileno(stream));
+    EXPECT_EQ(file.Close(), 0);
+    EXPECT_EQ(file.fileState, TqFile::fileOpen);
+    EXPECT_EQ(file.stream, stream);
+}
+
 TEST_F(TqFileTest, DestructorSetsTheStateAndLeavesTheStreamOpen) {
     alignas(TqFile) unsigned char storage[sizeof(TqFile)];
     TqFile* file = new (storage) TqFile;

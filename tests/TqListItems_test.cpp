@@ -111,6 +111,12 @@ TEST_F(TqListWalkOver, StandsAtTheEndOrDoesNot) {
     EXPECT_TRUE(list.begin() != list.end());
     EXPECT_TRUE(++ ++ ++list.begin() == list.end());
     EXPECT_TRUE(list.begin() == list.begin());
+    EXPECT_TRUE(++list.begin() != list.begin());
+    EXPECT_TRUE(++ ++ ++list.begin() == ++ ++ ++list.begin());
+    EXPECT_TRUE(++ ++ ++list.begin() != list.begin());
+    const auto end = list.end();
+    const auto copy = end;
+    EXPECT_TRUE(copy == list.end());
 }
 
 TEST_F(TqListWalkOver, IsReportedByAListThatIsAssignedTo) {

@@ -7,11 +7,12 @@
 #include "Sanitizers.h"
 
 /// Whether everything takes many times as long here as where it is developed: under an emulator or
-/// a sanitizer. Tests that are long anyway are smaller there, or left to other builds.
+/// a sanitizer, or under valgrind, whose user says so. Tests that are long anyway are smaller
+/// there, or left to other builds.
 #if defined(TQ_EMULATED) || defined(TQ_ADDRESS_SANITIZED) || defined(TQ_THREAD_SANITIZED)
 const bool runsSlowly = true;
 #else
-const bool runsSlowly = false;
+const bool runsSlowly = std::getenv("TQ_RUNS_SLOWLY") != nullptr;
 #endif
 
 /// Whether this is the device's processor. What proves the library there is worth the time.
@@ -30,7 +31,7 @@ inline bool IsOnDevice() {
 /// How many times as long processes, signals and packets may take here: what is to happen soon
 /// happens so much later.
 inline int Slowness() {
-    return IsOnDevice() ? 20 : 1;
+    return IsOnDevice() || std::getenv("TQ_RUNS_SLOWLY") != nullptr ? 20 : 1;
 }
 
 /// The size of a large test: `full`, or `reduced` where that would take too long, or a tenth of it

@@ -47,7 +47,7 @@ void FailCall(unsigned int number, bool andLater = false);
 /// it.
 const char* FailedCall();
 
-/// Sanitizers bring their own heap; there this is false and what follows does nothing.
+/// Sanitizers and valgrind bring their own heap; there this is false and what follows does nothing.
 extern const bool heapIsWatched;
 
 /// How many blocks there are.
