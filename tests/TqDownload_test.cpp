@@ -720,6 +720,11 @@ TEST_F(TqDownloadFetch, TheWatcherHearsOfSilenceWhileThereIsSomeAndFiveTimesASec
     EXPECT_EQ(heard.pieces, 1u);
     EXPECT_GE(heard.silences, 1u);
     EXPECT_LE(heard.silences, 13u);
+    heard = Heard();
+    download.patience = 0;
+    download.deadline = 1;
+    EXPECT_EQ(download.ToBuffer(buffer), TqDownload::late);
+    EXPECT_LE(heard.silences, 8u);
 }
 
 // Of several tries the quickest counts.
