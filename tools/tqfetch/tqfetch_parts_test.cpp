@@ -768,6 +768,16 @@ TEST_F(TqfetchTarget, MayHaveTheLowestDescriptor) {
     close(reader);
 }
 
+TEST_F(TqfetchTarget, AnOutputThatCannotBeWrittenToIsAFailureWithoutAnyBytesToo) {
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    EXPECT_TRUE(IsTrueInChild([this, &ends] {
+        dup2(ends[0], STDOUT_FILENO);
+        return ProblemOf("-", "") == "standard output: Bad file descriptor";
+    }));
+    for (const int end : ends) close(end);
+}
+
 TEST_F(TqfetchTarget, MayLieInTheUppermostFolder) {
     if (!IsTrueInChild([this] { return chroot(directory.Path().c_str()) == 0; })) {
         GTEST_SKIP() << "the uppermost folder cannot be changed here";
