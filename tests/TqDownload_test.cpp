@@ -2,16 +2,20 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <netdb.h>
 #include <pthread.h>
 #include <signal.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -21,6 +25,7 @@
 #include "Child.h"
 #include "Files.h"
 #include "Scale.h"
+#include "SystemCalls.h"
 #include "TftpAnswers.h"
 #include "TftpHost.h"
 #include "TftpScript.h"
@@ -640,6 +645,419 @@ TEST_F(TqDownloadFetch, TheModeIsTheOneAskedFor) {
     EXPECT_EQ(download.ToBuffer(text), TqDownload::complete);
     EXPECT_EQ(ContentOf(octet), std::string("f\0octet\0", 8));
     EXPECT_EQ(ContentOf(text), std::string("f\0netascii\0", 11));
+}
+
+TEST(TqDownloadBefore, AFetchIsAsTheHeaderSays) {
+    const TqDownload download("host", "motd");
+    EXPECT_STREQ(download.server.data, "host");
+    EXPECT_STREQ(download.fileName.data, "motd");
+    EXPECT_STREQ(download.mode.data, "octet");
+    EXPECT_EQ(download.patience, 30u);
+    EXPECT_EQ(download.deadline, 0u);
+    EXPECT_EQ(download.mostBytes, 0u);
+    EXPECT_EQ(download.watch, nullptr);
+    EXPECT_EQ(download.watchUser, nullptr);
+    EXPECT_EQ(download.result, TqDownload::complete);
+    EXPECT_EQ(download.bytes, 0u);
+    EXPECT_EQ(download.address, 0u);
+}
+
+TEST_F(TqDownloadFetch, TheBytesAreThoseOfTheLastFetch) {
+    WriteFile(served.Path("motd"), "hello");
+    const Child server = Serve();
+    TqDownload download(HostName().c_str(), "motd");
+    for (int i = 0; i < 2; ++i) {
+        TqBuffer buffer;
+        EXPECT_EQ(download.ToBuffer(buffer), TqDownload::complete);
+        EXPECT_EQ(download.bytes, 5u);
+    }
+}
+
+TEST_F(TqDownloadFetch, ASingleByteMayBeTheMost) {
+    WriteFile(served.Path("motd"), "12");
+    const Child server = Serve();
+    TqDownload download(HostName().c_str(), "motd");
+    download.mostBytes = 1;
+    TqBuffer buffer;
+    EXPECT_EQ(download.ToBuffer(buffer), TqDownload::tooMany);
+    WriteFile(served.Path("motd"), "1");
+    EXPECT_EQ(download.ToBuffer(buffer), TqDownload::complete);
+}
+
+TEST_F(TqDownloadFetch, AReceiverNeedNotSayWhyItRefuses) {
+    const Child server = AnswerWithBlocks(3);
+    TqDownload download(HostName().c_str(), "motd");
+    download.watch = [](void*, unsigned long long, unsigned int) { errno = EIO; };
+    EXPECT_EQ(download.ToFunction(
+                  [count = 0](const unsigned char*, unsigned int) mutable { return ++count < 2; }),
+              TqDownload::refused);
+    EXPECT_EQ(TextOf(download), "what came could not be stored");
+}
+
+// So many blocks gather meanwhile that the client has to wait.
+TEST_F(TqDownloadFetch, AReceiverMayTakeItsTime) {
+    const std::string file = RandomBytes(100 * 512, 4);
+    WriteFile(served.Path("motd"), file);
+    const Child server = Serve();
+    TqDownload download(HostName().c_str(), "motd");
+    download.patience = 5;
+    std::string got;
+    EXPECT_EQ(download.ToFunction([&got](const unsigned char* bytes, unsigned int count) {
+        if (got.empty()) usleep(500000);
+        got.append(reinterpret_cast<const char*>(bytes), count);
+        return true;
+    }),
+              TqDownload::complete);
+    EXPECT_TRUE(got == file);
+    EXPECT_EQ(download.ToFunction([](const unsigned char*, unsigned int) {
+        usleep(500000);
+        return false;
+    }),
+              TqDownload::refused);
+}
+
+TEST_F(TqDownloadFetch, TheWatcherHearsOfSilenceWhileThereIsSomeAndFiveTimesASecond) {
+    WriteFile(served.Path("motd"), RandomBytes(50000, 5));
+    struct Heard {
+        unsigned int pieces = 0;
+        unsigned int silences = 0;
+        static void Count(void* user, unsigned long long, unsigned int silence) {
+            Heard& own = *static_cast<Heard*>(user);
+            ++(silence == 0 ? own.pieces : own.silences);
+        }
+    } heard;
+    TqDownload download(HostName().c_str(), "motd");
+    download.watch = Heard::Count;
+    download.watchUser = &heard;
+    TqBuffer buffer;
+    {
+        const Child server = Serve();
+        const long long start = Now();
+        EXPECT_EQ(download.ToBuffer(buffer), TqDownload::complete);
+        EXPECT_EQ(heard.pieces, 98u);
+        EXPECT_LE(heard.silences, (Now() - start) / 200);
+    }
+    const Child server = AnswerWithBlocks(1);
+    heard = Heard();
+    download.patience = 2;
+    EXPECT_EQ(download.ToBuffer(buffer), TqDownload::silent);
+    EXPECT_EQ(heard.pieces, 1u);
+    EXPECT_GE(heard.silences, 1u);
+    EXPECT_LE(heard.silences, 13u);
+    heard = Heard();
+    download.patience = 0;
+    download.deadline = 1;
+    EXPECT_EQ(download.ToBuffer(buffer), TqDownload::late);
+    EXPECT_LE(heard.silences, 8u);
+}
+
+// Of several tries the quickest counts.
+TEST_F(TqDownloadFetch, TheEndIsNoticedWhenItComes) {
+    if (runsSlowly) GTEST_SKIP() << "takes too long; the other targets have seen it";
+    WriteFile(served.Path("motd"), "hello");
+    const Child server = Serve();
+    long long quickest = 1000;
+    for (int i = 0; i < 10 && quickest >= 100; ++i) {
+        TqBuffer buffer;
+        const long long begun = Now();
+        EXPECT_EQ(TqDownload(HostName().c_str(), "motd").ToBuffer(buffer), TqDownload::complete);
+        quickest = std::min(quickest, Now() - begun);
+    }
+    EXPECT_LT(quickest, 100);
+}
+
+// The times at which it looks around count from the block, the deadline does not.
+TEST_F(TqDownloadFetch, ADeadlineIsMetBetweenTwoLooks) {
+    if (runsSlowly) GTEST_SKIP() << "takes too long; the other targets have seen it";
+    const Child server =
+        Answer([](const UdpSocket& socket, const Endpoint& client, const Octets& datagram) {
+            usleep(180000);
+            if (datagram[1] == 1) socket.Send(client, Data(1, Octets(512, 'x')));
+        });
+    long long quickest = 10000;
+    for (int i = 0; i < 8 && quickest >= 1160; ++i) {
+        TqBuffer buffer;
+        TqDownload download(HostName().c_str(), "motd");
+        download.deadline = 1;
+        const long long start = Now();
+        EXPECT_EQ(download.ToBuffer(buffer), TqDownload::late);
+        quickest = std::min(quickest, Now() - start);
+    }
+    EXPECT_GE(quickest, 1000);
+    EXPECT_LT(quickest, 1160);
+}
+
+// With a clock that stands still but where the test winds it on. The server is there all the time,
+// so that nobody waits by another clock.
+TEST_F(TqDownloadFetch, ADeadlineIsExact) {
+    const Child server = AnswerWithBlocks(100);
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    const timespec begun = now;
+    systemCalls.clock_gettime = [&now] { return now; };
+    TqDownload download(HostName().c_str(), "motd");
+    download.deadline = 1000;
+    unsigned int pieces = 0;
+    EXPECT_EQ(download.ToFunction([&](const unsigned char*, unsigned int) {
+        ++pieces;
+        now = begun;
+        now.tv_sec += 999 + pieces / 3;
+        return true;
+    }),
+              TqDownload::late);
+    EXPECT_EQ(pieces, 3u);
+}
+
+TEST_F(TqDownloadFetch, TheDeadlineEndsATransferThatNeverPauses) {
+    const Child server = AnswerWithBlocks(60000);
+    TqDownload download(HostName().c_str(), "motd");
+    download.deadline = 1;
+    const long long start = Now();
+    EXPECT_EQ(download.ToFunction([](const unsigned char*, unsigned int) {
+        usleep(500);
+        return true;
+    }),
+              TqDownload::late);
+    EXPECT_GE(Now() - start, 1000);
+    EXPECT_LT(download.bytes, 20000u * 512);
+}
+
+TEST_F(TqDownloadFetch, WhoIsCancelledAsksNobody) {
+    int sockets = 0;
+    systemCalls.bind = [&sockets](int descriptor, const sockaddr* address, socklen_t length) {
+        ++sockets;
+        return bind(descriptor, address, length);
+    };
+    TqDownload download(HostName().c_str(), "motd");
+    download.Cancel();
+    TqBuffer buffer;
+    EXPECT_EQ(download.ToBuffer(buffer), TqDownload::cancelled);
+    EXPECT_EQ(sockets, 0);
+}
+
+// And waits without taking the processor's time.
+TEST_F(TqDownloadFetch, WhoWaitsForItsTurnEndsInTimeToo) {
+    const Child server = Answer([](const UdpSocket&, const Endpoint&, const Octets&) {});
+    TqDownload first(HostName().c_str(), "motd");
+    std::atomic<bool> hasTurn(false);
+    first.watch = [](void* user, unsigned long long, unsigned int) {
+        *static_cast<std::atomic<bool>*>(user) = true;
+    };
+    first.watchUser = &hasTurn;
+    std::thread other([&first] {
+        TqBuffer buffer;
+        EXPECT_EQ(first.ToBuffer(buffer), TqDownload::cancelled);
+    });
+    while (!hasTurn) usleep(1000);
+    TqDownload second(HostName().c_str(), "motd");
+    second.deadline = 1;
+    TqBuffer buffer;
+    const clock_t used = clock();
+    EXPECT_EQ(second.ToBuffer(buffer), TqDownload::late);
+    EXPECT_LT(clock() - used, CLOCKS_PER_SEC / 4);
+    first.Cancel();
+    other.join();
+}
+
+TEST_F(TqDownloadFetch, AFileThatDoesNotReachTheDiskIsAFailure) {
+    WriteFile(served.Path("motd"), "new");
+    WriteFile(directory.Path("motd"), "old");
+    const Child server = Serve();
+    systemCalls.fsync = [](int) {
+        errno = EIO;
+        return -1;
+    };
+    TqDownload download(HostName().c_str(), "motd");
+    EXPECT_EQ(download.ToFile(directory.Path("motd").c_str()), TqDownload::refused);
+    EXPECT_EQ(TextOf(download), "what came could not be stored (Input/output error)");
+    EXPECT_EQ(ReadFile(directory.Path("motd")), "old");
+    EXPECT_EQ(directory.Names(), std::vector<std::string>({"motd"}));
+}
+
+// The client waits for the block from when it came: nothing interrupts it before that is over, and
+// so it has nothing to complain about.
+TEST_F(TqDownloadFetch, EveryBlockPutsOffTheNextInterruption) {
+    if (runsSlowly) GTEST_SKIP() << "takes too long; the other targets have seen it";
+    const std::string path = directory.Path("printed");
+    std::string printed;
+    for (int i = 0; i < 3; ++i) {
+        {
+            const PrintedTo file(path);
+            const Child server =
+                Answer([](const UdpSocket& socket, const Endpoint& client, const Octets& datagram) {
+                    const unsigned int block = BlockAskedFor(datagram);
+                    if (block > 2) return;
+                    usleep(2500000);
+                    socket.Send(client, Data(block, Octets(block == 1 ? 512 : 1, 'x')));
+                });
+            TqBuffer buffer;
+            EXPECT_EQ(TqDownload(HostName().c_str(), "motd").ToBuffer(buffer),
+                      TqDownload::complete);
+        }
+        printed = ReadFile(path);
+        if (printed.find("failed") == std::string::npos) break;
+    }
+    EXPECT_EQ(printed.find("failed"), std::string::npos) << printed;
+}
+
+// Sockets, which other threads open and close while the client opens its own.
+
+class TqDownloadSockets : public TqDownloadFetch {
+protected:
+    void SetUp() override {
+        TqDownloadFetch::SetUp();
+        WriteFile(served.Path("motd"), "hello");
+    }
+
+    void TearDown() override {
+        systemCalls = SystemCalls();
+        for (const int descriptor : opened) close(descriptor);
+        TqDownloadFetch::TearDown();
+    }
+
+    // From now on this happens whenever the client binds its socket.
+    static void Meanwhile(const std::function<void()>& happens) {
+        systemCalls.bind = [happens](int descriptor, const sockaddr* address, socklen_t length) {
+            happens();
+            return bind(descriptor, address, length);
+        };
+    }
+
+    int Open(int family, int type) {
+        opened.push_back(socket(family, type | SOCK_CLOEXEC, 0));
+        EXPECT_GE(opened.back(), 0);
+        return opened.back();
+    }
+
+    // One of the internet's, bound to any port.
+    int OpenAt(int type, std::uint32_t host) {
+        const int descriptor = Open(AF_INET, type);
+        const sockaddr_in address = ToSocketAddress({host, 0});
+        EXPECT_EQ(bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+        return descriptor;
+    }
+
+    void OpenOneLikeTheClients() { OpenAt(SOCK_DGRAM, INADDR_ANY); }
+
+    unsigned int Fetch() {
+        TqDownload download(HostName().c_str(), "motd");
+        TqBuffer buffer;
+        const unsigned int result = download.ToBuffer(buffer);
+        text = TextOf(download);
+        return result;
+    }
+
+    std::vector<int> opened;
+    std::string text;
+};
+
+TEST_F(TqDownloadSockets, ThoseOfOtherKindsAreNotTakenForTheClients) {
+    const Child server = Serve();
+    Meanwhile([this] {
+        OpenAt(SOCK_STREAM, INADDR_ANY);
+        OpenAt(SOCK_DGRAM, Host(1));
+        Open(AF_INET, SOCK_DGRAM);
+        const int connected = OpenAt(SOCK_DGRAM, INADDR_ANY);
+        const sockaddr_in peer = ToSocketAddress({Host(1), 1000});
+        EXPECT_EQ(connect(connected, reinterpret_cast<const sockaddr*>(&peer), sizeof peer), 0);
+        Open(AF_UNIX, SOCK_DGRAM);
+        opened.push_back(open("/dev/null", O_RDONLY | O_CLOEXEC));
+    });
+    EXPECT_EQ(Fetch(), TqDownload::complete) << text;
+}
+
+TEST_F(TqDownloadSockets, OneThatIsClosedMeanwhileIsNotTakenForTheClients) {
+    const Child server = Serve();
+    OpenOneLikeTheClients();
+    Meanwhile([this] {
+        for (const int descriptor : opened) close(descriptor);
+        opened.clear();
+    });
+    EXPECT_EQ(Fetch(), TqDownload::complete) << text;
+}
+
+TEST_F(TqDownloadSockets, WhereThereAreTwoNewOnesAllIsBegunAnewThreeTimesAtMost) {
+    const Child server = Serve();
+    unsigned int most = 2;
+    Meanwhile([this, &most] {
+        if (opened.size() < most) OpenOneLikeTheClients();
+    });
+    EXPECT_EQ(Fetch(), TqDownload::complete) << text;
+    most = 100;
+    opened.reserve(most);
+    EXPECT_EQ(Fetch(), TFTP_NO_SOCKET);
+    EXPECT_EQ(text, "the socket could not be created (Device or resource busy)");
+    EXPECT_EQ(opened.size(), 5u);
+}
+
+// Descriptor 0 is one like any other.
+TEST_F(TqDownloadSockets, TheClientsMayHaveTheLowestNumber) {
+    const Child server =
+        Answer([](const UdpSocket& socket, const Endpoint& client, const Octets& datagram) {
+            if (BlockAskedFor(datagram) == 1) socket.Send(client, Data(1, Octets(512, 'x')));
+            if (datagram == Acknowledgement(1)) socket.Send(client, Error(1, "lost"));
+        });
+    for (const bool isClients : {true, false}) {
+        Child child([&] {
+            if (isClients) close(0);
+            // The second descriptor of the socket gets it otherwise.
+            if (!isClients) Meanwhile([] { close(0); });
+            if (Fetch() != TFTP_SERVER_ERROR + 1u) _exit(1);
+            if (text != "the server has no such file (error 1: lost)") _exit(2);
+            if (fcntl(0, F_GETFD) != -1) _exit(3);
+            if (!isClients) open("/dev/null", O_RDONLY);
+            TqDownload download(HostName().c_str(), "motd");
+            if (download.ToFunction([](const unsigned char*, unsigned int) { return false; }) !=
+                TqDownload::refused) {
+                _exit(4);
+            }
+            _exit(fcntl(0, F_GETFD) == -1 ? 0 : 5);
+        });
+        int status = -1;
+        ASSERT_TRUE(child.Wait(60000, status));
+        EXPECT_EQ(status, 0) << isClients;
+    }
+}
+
+// What is left behind.
+
+// The mebibytes of this process's memory, used or not: a thread's stack is 8 of them.
+unsigned int Mebibytes() {
+    return static_cast<unsigned int>(std::stoul(ReadFile("/proc/self/statm")) / 256);
+}
+
+TEST_F(TqDownloadFetch, NoThreadsAreLeftBehind) {
+    if (runsSlowly) GTEST_SKIP() << "emulators and sanitizers have memory of their own";
+    WriteFile(served.Path("motd"), "hello");
+    const Child server = Serve();
+    const auto fetch = [] {
+        TqBuffer buffer;
+        EXPECT_EQ(TqDownload(HostName().c_str(), "motd").ToBuffer(buffer), TqDownload::complete);
+        TqDownload("::1", "motd").FindServer();
+    };
+    for (int i = 0; i < 3; ++i) fetch();
+    const unsigned int size = Mebibytes();
+    for (int i = 0; i < 8; ++i) fetch();
+    EXPECT_LT(Mebibytes(), size + 4 * 8);
+}
+
+TEST_F(TqDownloadFetch, NoMemoryIsLeftBehindByALookup) {
+    if (!heapIsWatched) GTEST_SKIP() << "sanitizers bring their own heap";
+    TqDownload download(HostName().c_str(), "motd");
+    download.FindServer();
+    const int blocks = LiveBlocks();
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(download.FindServer(), TqDownload::complete);
+    EXPECT_EQ(LiveBlocks(), blocks);
+}
+
+TEST_F(TqDownloadFetch, WhatTheNameServiceSaysIsTheReason) {
+    TqDownload download("::1", "motd");
+    EXPECT_EQ(download.FindServer(), TqDownload::noServer);
+    addrinfo wanted = addrinfo();
+    wanted.ai_family = AF_INET;
+    addrinfo* found = nullptr;
+    const int error = getaddrinfo("::1", nullptr, &wanted, &found);
+    EXPECT_EQ(TextOf(download), gai_strerror(error));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-"""The tests in pieces, and which of them notice a change first."""
+"""The tests in pieces: how long each takes, and what each says of a changed program."""
 import collections
 import concurrent.futures
 import glob
@@ -12,8 +12,10 @@ import time
 
 SOURCES = ['tests/*_test.cpp', 'tests/whole/*_test.cpp', 'tools/*/*_test.cpp']
 WORKERS = 6
+MANY = 30
 LONG = 0.3   # seconds: what takes longer is a piece of its own
-LEAST = 40   # seconds that a piece may take, however short it is otherwise
+LEAST = 20   # seconds that a piece may take, however short it is otherwise
+LEAST_BUSY = 5  # those of the processor
 
 # What runs in one process: some tests of a file.
 Piece = collections.namedtuple('Piece', 'file tests seconds')
@@ -41,6 +43,16 @@ def listed_tests(program):
             suite = words[0]
 
 
+def tests_of_files(program):
+    """Of the name of a test's file, the tests in it."""
+    files = files_of_suites()
+    tests = collections.defaultdict(list)
+    for suite, test in listed_tests(program):
+        file = next(files[part] for part in suite.rstrip('.').split('/') if part in files)
+        tests[file].append(test)
+    return tests
+
+
 def end_all_others():
     """Ends what tests run or have left behind: all processes but this one, the first of its own."""
     assert os.getpid() == 1, 'not in a sandbox'
@@ -58,94 +70,79 @@ def forget_ended():
         pass
 
 
-def passes_within(limit, program, tests, *options):
+def passes_within(seconds, program, tests, *options):
     """Whether the tests pass; None when they take longer."""
-    environment = dict(os.environ, GCOV_PREFIX='/tmp/counts', GCOV_ERROR_FILE='/dev/null')
-    command = [program, '--gtest_filter=' + ':'.join(tests), '--gtest_brief=1', *options]
+    busy = int(LEAST_BUSY + 10 * seconds)
+    command = ['prlimit', '--cpu=%d' % busy, program, '--gtest_filter=' + ':'.join(tests),
+               '--gtest_brief=1', *options]
     with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                          stderr=subprocess.DEVNULL, env=environment, cwd='/tmp',
+                          stderr=subprocess.DEVNULL, cwd='/tmp',
                           start_new_session=True) as process:
         try:
-            return process.wait(limit) == 0
+            return process.wait(max(LEAST, 10 * seconds)) == 0
         except subprocess.TimeoutExpired:
             os.killpg(process.pid, signal.SIGKILL)
             return None
 
 
-class Suite:
-    def __init__(self, program, wanted):
-        """`wanted` says of the name of a test's file whether it belongs to the suite."""
-        self.program = program
-        self.noticed = collections.Counter()  # how often, of a changed file and a piece
-        files = files_of_suites()
-        tests = collections.defaultdict(list)
-        for suite, test in listed_tests(program):
-            file = next(files[part] for part in suite.rstrip('.').split('/') if part in files)
-            if wanted(file):
-                tests[file].append(test)
-        with concurrent.futures.ThreadPoolExecutor(WORKERS) as pool:
-            self.pieces = [piece for pieces in pool.map(self._pieces_of, tests.items())
-                           for piece in pieces]
-        end_all_others()
-        forget_ended()
+def seconds_of(program, tests, report):
+    """Runs tests as they are, and tells how long each has taken."""
+    if not passes_within(60, program, tests, '--gtest_output=json:' + report):
+        raise SystemExit('without a change not all pass of ' + ' '.join(tests))
+    with open(report, encoding='utf-8') as stream:
+        suites = json.load(stream)['testsuites']
+    return {suite['name'] + '.' + test['name']: float(test['time'].rstrip('s'))
+            for suite in suites for test in suite['testsuite']}
 
-    def _pieces_of(self, item):
-        """Runs the tests of a file as they are, and parts them by the time that they take."""
-        file, tests = item
-        report = '/tmp/%s.json' % os.path.basename(file)
-        if not passes_within(600, self.program, tests, '--gtest_output=json:' + report):
-            raise SystemExit('the tests of %s fail without a change' % file)
-        with open(report, encoding='utf-8') as stream:
-            suites = json.load(stream)['testsuites']
-        seconds = {suite['name'] + '.' + test['name']: float(test['time'].rstrip('s'))
-                   for suite in suites for test in suite['testsuite']}
-        tests = [test for test in tests if test in seconds]  # not those that are disabled
-        short = [test for test in tests if seconds[test] < LONG]
-        pieces = [Piece(file, (test,), seconds[test]) for test in tests if seconds[test] >= LONG]
-        if short:
-            pieces.append(Piece(file, tuple(short), sum(seconds[test] for test in short)))
-        return pieces
 
-    def _is_near(self, piece, changed):
-        stem = os.path.splitext(os.path.basename(changed))[0]
-        inFolder = os.path.dirname(changed) == os.path.dirname(piece.file)
-        return inFolder or os.path.basename(piece.file) == stem + '_test.cpp'
+def measured(program, file, tests):
+    """The tests of a file, parted by the time that they take."""
+    parts = [tests[i::WORKERS] for i in range(WORKERS)] if len(tests) > MANY else [tests]
+    seconds = {}
+    with concurrent.futures.ThreadPoolExecutor(WORKERS) as pool:
+        reports = ['/tmp/%d.json' % i for i in range(len(parts))]
+        for some in pool.map(lambda part, report: seconds_of(program, part, report),
+                             parts, reports):
+            seconds.update(some)
+    tests = [test for test in tests if test in seconds]  # not those that are disabled
+    pieces = [Piece(file, (test,), seconds[test]) for test in tests if seconds[test] >= LONG]
+    short = collections.defaultdict(list)
+    for test in tests:
+        if seconds[test] < LONG:
+            short[test.split('.')[0]].append(test)
+    pieces += [Piece(file, tuple(some), sum(seconds[test] for test in some))
+               for some in short.values()]
+    end_all_others()
+    forget_ended()
+    return pieces
 
-    def _passes(self, piece):
-        """What fails once and then passes has failed by chance; what takes too long has failed."""
-        limit = max(LEAST, 10 * piece.seconds)
-        passes = passes_within(limit, self.program, piece.tests, '--gtest_fail_fast')
-        return passes is True or \
-            passes is False and passes_within(limit, self.program, piece.tests) is True
 
-    def first_to_notice(self, changed):
-        """Runs the pieces, likely ones first, until one fails twice or takes too long. Returns it,
-        or None."""
-        order = sorted(self.pieces, key=lambda piece: (
-            -self.noticed[changed, piece.tests], not self._is_near(piece, changed), piece.seconds))
-        found = []
-        isOver = threading.Event()
+def first_to_notice(program, pieces):
+    """Runs the pieces until one fails twice or takes too long. Returns that, or None."""
+    found = []
+    isOver = threading.Event()
 
-        def run(piece):
-            passes = None if isOver.is_set() else self._passes(piece)
-            if passes is False and not isOver.is_set():
-                found.append(piece)
-                isOver.set()
+    def fails(piece):
+        result = passes_within(piece.seconds, program, piece.tests, '--gtest_fail_fast')
+        if result is not False or isOver.is_set():
+            return result is None
+        # By chance, it may be.
+        return passes_within(piece.seconds, program, piece.tests, '--gtest_fail_fast') is not True
 
-        # One after the other is quicker where the first ones notice.
-        for piece in order[:3]:
-            run(piece)
-        with concurrent.futures.ThreadPoolExecutor(WORKERS) as pool:
-            pending = [pool.submit(run, piece) for piece in order[3:]]
-            while not isOver.is_set() and not all(future.done() for future in pending):
-                time.sleep(0.02)
+    def run(piece):
+        if not isOver.is_set() and fails(piece) and not isOver.is_set():
+            found.append(piece)
+            isOver.set()
+
+    # One after the other is quicker where the first ones notice.
+    for piece in pieces[:3]:
+        run(piece)
+    with concurrent.futures.ThreadPoolExecutor(WORKERS) as pool:
+        pending = [pool.submit(run, piece) for piece in pieces[3:]]
+        while not all(future.done() for future in pending):
             if isOver.is_set():
-                for future in pending:
-                    future.cancel()
                 end_all_others()
-        end_all_others()
-        forget_ended()
-        if not found:
-            return None
-        self.noticed[changed, found[0].tests] += 1
-        return found[0]
+            time.sleep(0.02)
+    end_all_others()
+    forget_ended()
+    return found[0] if found else None

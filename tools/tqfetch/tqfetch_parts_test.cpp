@@ -725,4 +725,67 @@ TEST_F(TqfetchTarget, WithoutNamelessFilesTheTemporaryFileHasANameAndGoesTheSame
     }));
 }
 
+TEST_F(TqfetchTarget, IsWrittenWholeWhereASingleByteIsTakenAtATime) {
+    systemCalls.write = [](int descriptor, const void* bytes, std::size_t) {
+        return write(descriptor, bytes, 1);
+    };
+    EXPECT_EQ(ProblemOf(path, "text"), "");
+    EXPECT_EQ(ReadFile(path), "text");
+}
+
+TEST_F(TqfetchTarget, ASignalInTheMiddleOfAWriteIsNoFailure) {
+    systemCalls.write = [calls = 0](int descriptor, const void* bytes, std::size_t count) mutable {
+        errno = EINTR;
+        return ++calls == 1 ? -1 : write(descriptor, bytes, count);
+    };
+    EXPECT_EQ(ProblemOf(path, "text"), "");
+    EXPECT_EQ(ReadFile(path), "text");
+}
+
+// Descriptor 0 is one like any other.
+TEST_F(TqfetchTarget, MayHaveTheLowestDescriptor) {
+    const std::string pipe = directory.Path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const auto works = [this](const std::string& name, bool hasNoName) {
+        return IsTrueInChild([&] {
+            if (!hasNoName) HideDescriptors();
+            close(0);
+            if (!ProblemOf(name).empty()) return false;
+            return fcntl(0, F_GETFD) == -1;
+        });
+    };
+    EXPECT_TRUE(works(path, true));
+    EXPECT_TRUE(works(path, false));
+    EXPECT_EQ(ReadFile(path), "new");
+    EXPECT_TRUE(works(pipe, true));
+    EXPECT_TRUE(IsTrueInChild([this] {
+        dup2(open(directory.Path("out").c_str(), O_WRONLY | O_CREAT, 0600), STDOUT_FILENO);
+        close(0);
+        return ProblemOf("-").empty() && fcntl(0, F_GETFD) == -1;
+    }));
+    EXPECT_EQ(ReadFile(directory.Path("out")), "new");
+    close(reader);
+}
+
+TEST_F(TqfetchTarget, AnOutputThatCannotBeWrittenToIsAFailureWithoutAnyBytesToo) {
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    EXPECT_TRUE(IsTrueInChild([this, &ends] {
+        dup2(ends[0], STDOUT_FILENO);
+        return ProblemOf("-", "") == "standard output: Bad file descriptor";
+    }));
+    for (const int end : ends) close(end);
+}
+
+TEST_F(TqfetchTarget, MayLieInTheUppermostFolder) {
+    if (!IsTrueInChild([this] { return chroot(directory.Path().c_str()) == 0; })) {
+        GTEST_SKIP() << "the uppermost folder cannot be changed here";
+    }
+    EXPECT_TRUE(IsTrueInChild(
+        [this] { return chroot(directory.Path().c_str()) == 0 && ProblemOf("/file").empty(); }));
+    EXPECT_EQ(NamesNow(), Names({"file"}));
+    EXPECT_EQ(ReadFile(path), "new");
+}
+
 }  // namespace

@@ -673,6 +673,26 @@ TEST_F(Tqfetch, ClosedStandardDescriptorsDoNotMixWithTheFile) {
     close(pipe);
 }
 
+TEST_F(Tqfetch, NothingThatIsOpenedTakesThePlaceOfAClosedStandardDescriptor) {
+    if (runsSlowly) GTEST_SKIP() << "emulators have descriptors of their own";
+    int halfWay = -1;
+    const Child server = AnswerWithOneBlock(halfWay);
+    Program::Settings settings = InDirectory();
+    settings.prepare = [] {
+        for (const int descriptor : {0, 1, 2}) close(descriptor);
+    };
+    Program program(Built(TQFETCH, {HostName(), "motd"}), settings);
+    AwaitByte(halfWay);
+    for (const char* descriptor : {"0", "1", "2"}) {
+        const std::string link = "/proc/" + std::to_string(program.Id()) + "/fd/" + descriptor;
+        char place[64] = {};
+        EXPECT_GT(readlink(link.c_str(), place, sizeof place - 1), 0) << link;
+        EXPECT_STREQ(place, "/dev/null");
+    }
+    program.Signal(SIGTERM);
+    EXPECT_EQ(program.Finish().status, -SIGTERM);
+}
+
 // Silence and loss.
 
 TEST_F(Tqfetch, ASilentServerIsGivenUp) {
@@ -1096,6 +1116,20 @@ TEST_F(Tqfetch, ASignalThatEndsItIsNotInterruptedByAnother) {
     ASSERT_TRUE(StandsStill(program.Id()));
     for (const int number : {SIGTERM, SIGHUP, SIGCONT}) program.Signal(number);
     EXPECT_EQ(program.Finish().status, -SIGHUP);
+}
+
+TEST_F(Tqfetch, TheDeadlineIsNotInterruptedByAnotherSignal) {
+    if (runsSlowly)
+        GTEST_SKIP() << "emulators and sanitizers have an order of signals of their own";
+    int halfWay = -1;
+    const Child server = AnswerWithOneBlock(halfWay);
+    Program program(Built(TQFETCH, {"-T", "1", HostName(), "motd"}), InDirectory());
+    AwaitByte(halfWay);
+    program.Signal(SIGSTOP);
+    ASSERT_TRUE(StandsStill(program.Id()));
+    usleep(1200000);
+    for (const int number : {SIGRTMIN + 1, SIGCONT}) program.Signal(number);
+    EXPECT_EQ(program.Finish().status, 10);
 }
 
 TEST_F(Tqfetch, AFileThatHasANameGoesWhenThePatienceEnds) {
