@@ -44,7 +44,8 @@ std::string Shown(const Key& key) {
 
 // Counts what looks like a report in a file of the library, in the simplest way.
 unsigned int ReportsIn(const std::string& path) {
-    static const std::regex report("^ .*(TQ_REPORT_IF|TqCallAssert)\\(");
+    static const std::regex report(
+        "^ .*(TQ_REPORT_IF\\(|(TqCallAssert|Report[A-Za-z]*)\\([^)]*__LINE__\\))");
     std::ifstream file(path);
     std::string line;
     unsigned int count = 0;
