@@ -198,8 +198,9 @@ def main():
         lane.close()
     counted = words['noticed'] + words['missed']
     rate = 100 * words['noticed'] / max(counted, 1)
-    print('%d changes: %d do not build, %d make no difference, %d of the other %d noticed: %.1f %%' %
-          (len(changes), words['not built'], words['the same'], words['noticed'], counted, rate))
+    print('%d changes: %d do not build, %d make no difference' %
+          (len(changes), words['not built'], words['the same']))
+    print('%d of the other %d noticed: %.1f %%' % (words['noticed'], counted, rate))
     sys.exit(0 if rate >= float(least) else 1)
 
 
