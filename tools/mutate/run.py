@@ -25,8 +25,9 @@ from equivalent import Equivalent
 # It compares the sources with a table, and so notices a change of the text alone.
 READS_SOURCES = 'tests/TqReportSentence'
 
-# What takes seconds of the processor and notices nothing that others do not, but of a download.
-LARGE = ('TqfetchServers.TheLargest', 'Tqfetch.AFileWithMoreBlocks')
+# What takes seconds of the processor, fails on a busy machine as what takes too long, and notices
+# nothing that others do not.
+LARGE = ('TqfetchServers.', 'Tqfetch.AFileWithMoreBlocks')
 
 # What takes long, and what is built on the library and so is no test of it alone.
 LONG = ('tests/whole/TftpServers', 'tests/whole/Soak')
@@ -197,8 +198,9 @@ def main():
         lane.close()
     counted = words['noticed'] + words['missed']
     rate = 100 * words['noticed'] / max(counted, 1)
-    print('%d changes: %d do not build, %d make no difference, %d of the other %d noticed: %.1f %%' %
-          (len(changes), words['not built'], words['the same'], words['noticed'], counted, rate))
+    print('%d changes: %d do not build, %d make no difference' %
+          (len(changes), words['not built'], words['the same']))
+    print('%d of the other %d noticed: %.1f %%' % (words['noticed'], counted, rate))
     sys.exit(0 if rate >= float(least) else 1)
 
 
