@@ -451,6 +451,21 @@ TEST_F(TqDownloadFetch, ALostRequestIsSentAgain) {
     EXPECT_LT(complaints, 4);
 }
 
+// Each time that its wait is interrupted, the client prints a line.
+TEST_F(TqDownloadFetch, ASilentServersClientIsInterruptedOnceASecond) {
+    const std::string path = directory.Path("printed");
+    {
+        const PrintedTo file(path);
+        const Child server = AnswerWithBlocks(0);
+        TqDownload download(HostName().c_str(), "motd");
+        download.patience = 9;
+        TqBuffer buffer;
+        EXPECT_EQ(download.ToBuffer(buffer), TqDownload::silent);
+    }
+    const std::string printed = ReadFile(path);
+    EXPECT_LE(std::count(printed.begin(), printed.end(), '\n'), 8) << printed;
+}
+
 TEST_F(TqDownloadFetch, WaitingTakesNoProcessorTime) {
     const Child server = AnswerWithBlocks(1);
     TqDownload download(HostName().c_str(), "motd");
