@@ -15,15 +15,8 @@ const bool runsSlowly = true;
 const bool runsSlowly = std::getenv("TQ_RUNS_SLOWLY") != nullptr;
 #endif
 
-/// Whether this is the device's processor. What proves the library there is worth the time.
-#ifdef __powerpc__
-const bool isDevice = true;
-#else
-const bool isDevice = false;
-#endif
-
-/// Whether the kernel is the device's as well, in an emulator of the whole machine. Who starts the
-/// tests there says so.
+/// Whether processor and kernel are the device's, in an emulator of the whole machine. Who starts
+/// the tests there says so.
 inline bool IsOnDevice() {
     return std::getenv("TQ_ON_DEVICE") != nullptr;
 }

@@ -263,7 +263,7 @@ private:
 };
 
 TEST_F(TqTftpNetwork, TransfersEndWithTheExactBytesOrAResultCode) {
-    Run(Scaled(1000, isDevice && !IsOnDevice() ? 1000 : 200), [](unsigned int seed) {
+    Run(Scaled(1000, 200), [](unsigned int seed) {
         Dice dice(seed);
         Case test = SomeCase(seed, dice);
         test.troubles.loss = dice.UpTo(30);

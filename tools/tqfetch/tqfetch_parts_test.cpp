@@ -747,7 +747,7 @@ TEST_F(TqfetchTarget, MayHaveTheLowestDescriptor) {
     const std::string pipe = directory.Path("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    const auto works = [this](const std::string& name, bool hasNoName) {
+    const auto works = [](const std::string& name, bool hasNoName) {
         return IsTrueInChild([&] {
             if (!hasNoName) HideDescriptors();
             close(0);
@@ -771,7 +771,7 @@ TEST_F(TqfetchTarget, MayHaveTheLowestDescriptor) {
 TEST_F(TqfetchTarget, AnOutputThatCannotBeWrittenToIsAFailureWithoutAnyBytesToo) {
     int ends[2];
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    EXPECT_TRUE(IsTrueInChild([this, &ends] {
+    EXPECT_TRUE(IsTrueInChild([&ends] {
         dup2(ends[0], STDOUT_FILENO);
         return ProblemOf("-", "") == "standard output: Bad file descriptor";
     }));
