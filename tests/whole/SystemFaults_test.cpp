@@ -590,7 +590,7 @@ Outcomes With(Outcomes outcomes, const Outcomes& more) {
 
 // Seconds in which what answers does so, on a busy machine too. What does not takes as long.
 unsigned int Patience() {
-    return IsOnDevice() ? 10 : 3;
+    return IsOnDevice() ? 20 : 3;
 }
 
 TEST_F(SystemFaultsOfTftp, ADownloadIntoABuffer) {
