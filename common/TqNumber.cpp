@@ -31,11 +31,11 @@ int ParseDigits(const char* digits, bool negative) {
 
 // Nine words, and only for a text without digits: a loop will do. It is kept out of what reads the
 // digits, which would make room for its variables.
-__attribute__((noinline)) bool IsTrueWord(const char* text) {
+__attribute__((noinline)) void ParseWord(int& value, const char* text) {
+    value = 0;
     for (const char* word : trueWords) {
-        if (TqString::StringICompare(text, word) == 0) return true;
+        if (TqString::StringICompare(text, word) == 0) value = 1;
     }
-    return false;
 }
 
 }  // namespace
@@ -67,7 +67,11 @@ void TqNumber::ToString(TqString& out) const {
 void TqNumber::FromString(const char* text) {
     const bool negative = *text == '-';
     if (negative || *text == '+') ++text;
-    value = TqIsDigit(*text) ? ParseDigits(text, negative) : IsTrueWord(text);
+    if (TqIsDigit(*text)) {
+        value = ParseDigits(text, negative);
+    } else {
+        ParseWord(value, text);
+    }
 }
 
 void TqNumber::ToBuffer(TqBuffer& out) const {

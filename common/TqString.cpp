@@ -71,6 +71,11 @@ void ZeroShortArea(char* area, unsigned int count) {
         std::memcpy(area, &zero, sizeof zero);
         count -= static_cast<unsigned int>(sizeof zero);
     }
+    if (sizeof zero > 4 && count >= 4) {
+        std::memcpy(area, &zero, 4);
+        area += 4;
+        count -= 4;
+    }
     for (; count > 0; --count) *area++ = '\0';
 }
 
@@ -107,12 +112,20 @@ unsigned int CopyShortText(char* to, const char* text, unsigned int count, Exten
             i += static_cast<unsigned int>(sizeof(Word));
             if (i < last) continue;
             if (CopyWord(to + last, text + last)) return count;
-            i = last;
             break;
         }
     }
     for (; i < count && text[i] != '\0'; ++i) to[i] = text[i];
     return i;
+}
+
+// Copies at least a word of a text without a NUL, in the same way.
+TQ_ALWAYS_INLINE void CopyWords(char* to, const char* text, unsigned int count) {
+    const unsigned int last = count - static_cast<unsigned int>(sizeof(Word));
+    for (unsigned int i = 0; i < last; i += static_cast<unsigned int>(sizeof(Word))) {
+        std::memcpy(to + i, text + i, sizeof(Word));
+    }
+    std::memcpy(to + last, text + last, sizeof(Word));
 }
 
 // The same, and puts NULs behind it up to to[end].
@@ -131,35 +144,41 @@ void CopyText(char* to, const char* text, unsigned int count) {
 }
 
 // Up to here one pass over the words takes less than a call that measures and one that copies.
-const unsigned int shortBlock = 128;
+const unsigned int shortBlock = sizeof(Word) == 4 ? 128 : 0;
 
-char* NewBlock(const char* text, unsigned int count, Extent extent) {
-    char* block = static_cast<char*>(TqAllocate(std::size_t(count) + 1));
-    if (extent == held && count <= shortBlock) {
-        CopyAndFill(block, text, count, extent, count);
-    } else if (extent == measured) {
-        std::memcpy(block, text, count);
-        block[count] = '\0';
-    } else {
-        CopyText(block, text, count);
-    }
-    return block;
-}
-
-void TakeBlock(TqString& string, char* block, unsigned int count) {
-    string.data = block;
+// The old block, if there is one, stays the caller's: the text may lie there.
+__attribute__((noinline)) void TakeNewBlock(TqString& string, const char* text, unsigned int count, Extent extent) {
     string.length = count;
     string.capacity = count + 1;
+    char* block = static_cast<char*>(TqAllocate(std::size_t(count) + 1));
+    string.data = block;
+    if (extent == promised) {
+        CopyText(block, text, count);
+        return;
+    }
+    if (extent == held && count < shortBlock) {
+        CopyAndFill(block, text, count, extent, count);
+        return;
+    }
+    block[count] = '\0';
+    std::memcpy(block, text, count);
+    if (extent == measured) return;
+    const std::size_t used = std::strlen(block);
+    if (used < count) std::memset(block + used, 0, count - used);
 }
 
 // What the constructors share: the storage is chosen from nothing.
-void Construct(TqString& string, const char* text, unsigned int count, Extent extent) {
+TQ_ALWAYS_INLINE void Construct(TqString& string, const char* text, unsigned int count, Extent extent) {
     ZeroInside(string);
     if (count > constructedInside) {
-        TakeBlock(string, NewBlock(text, count, extent), count);
+        TakeNewBlock(string, text, count, extent);
         return;
     }
-    CopyShortText(string.internalData, text, count, extent);
+    if (extent == measured && count >= sizeof(Word)) {
+        CopyWords(string.internalData, text, count);
+    } else {
+        CopyShortText(string.internalData, text, count, extent);
+    }
     string.data = string.internalData;
     string.length = count;
     string.capacity = internalCapacity;
@@ -169,9 +188,9 @@ void Construct(TqString& string, const char* text, unsigned int count, Extent ex
 // behind its text are always NULs, so those of a longer old text go.
 void Assign(TqString& string, const char* text, unsigned int count, Extent extent) {
     if (count >= string.capacity) {
-        char* block = NewBlock(text, count, extent);
-        FreeBlock(string);
-        TakeBlock(string, block, count);
+        char* old = IsInternal(string) ? nullptr : string.data;
+        TakeNewBlock(string, text, count, extent);
+        std::free(old);
         return;
     }
     const unsigned int used = UsedPart(string);
@@ -197,7 +216,7 @@ void Set(TqString& string, const char* text, unsigned int count, Extent extent) 
     string.Clear();
     if (text == nullptr || count == 0) return;
     if (count > internalCapacity) {
-        TakeBlock(string, NewBlock(text, count, extent), count);
+        TakeNewBlock(string, text, count, extent);
         return;
     }
     CopyAndFill(string.internalData, text, count, extent, count);
@@ -240,6 +259,9 @@ const char tqDigitPairs[] =
     "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
     "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
     "8081828384858687888990919293949596979899";
+
+const unsigned int tqLeastOfDigits[] = {0,      10,      100,      1000,      10000,
+                                        100000, 1000000, 10000000, 100000000, 1000000000};
 
 short TqString::typeId = ownTypeId;
 

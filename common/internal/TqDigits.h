@@ -10,17 +10,18 @@ inline bool TqIsDigit(char c) {
 
 /// The number that a digit stands for; 10 or more when `c` is none.
 inline unsigned int TqDigitOf(char c) {
-    return static_cast<unsigned char>(c - '0');
+    return static_cast<unsigned int>(static_cast<unsigned char>(c)) - '0';
 }
 
-/// How many digits a number has at most.
-const unsigned int tqMostDigits = 10;
+/// 0, and then the least number of 2 digits, of 3 and so on.
+extern const unsigned int tqLeastOfDigits[];
 
 /// How many digits `value` has.
 inline unsigned int TqCountDigits(unsigned int value) {
-    unsigned int digits = 1;
-    for (unsigned int limit = 10; digits < tqMostDigits && value >= limit; limit *= 10) ++digits;
-    return digits;
+    // A bit is 0.301 digits: that is right, or one too few.
+    const unsigned int bits = 32 - static_cast<unsigned int>(__builtin_clz(value | 1));
+    const unsigned int digits = bits * 1233 / 4096;
+    return digits + (value >= tqLeastOfDigits[digits]);
 }
 
 /// The two digits of each number below 100, one behind the other.
