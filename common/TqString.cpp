@@ -67,16 +67,15 @@ unsigned int UsedPart(const TqString& string) {
 
 void ZeroShortArea(char* area, unsigned int count) {
     const Word zero = 0;
-    for (; count >= sizeof zero; area += sizeof zero) {
-        std::memcpy(area, &zero, sizeof zero);
-        count -= static_cast<unsigned int>(sizeof zero);
+    const unsigned int size = sizeof zero;
+    if (count < size) {
+        for (; count > 0; --count) *area++ = '\0';
+        return;
     }
-    if (sizeof zero > 4 && count >= 4) {
-        std::memcpy(area, &zero, 4);
-        area += 4;
-        count -= 4;
-    }
-    for (; count > 0; --count) *area++ = '\0';
+    // The last word may lie over the one before it.
+    const unsigned int last = count - size;
+    for (unsigned int i = 0; i < last; i += size) std::memcpy(area + i, &zero, size);
+    std::memcpy(area + last, &zero, size);
 }
 
 // All of it: programs compare and send the area as it lies there.
@@ -119,13 +118,16 @@ unsigned int CopyShortText(char* to, const char* text, unsigned int count, Exten
     return i;
 }
 
-// Copies at least a word of a text without a NUL, in the same way.
-TQ_ALWAYS_INLINE void CopyWords(char* to, const char* text, unsigned int count) {
-    const unsigned int last = count - static_cast<unsigned int>(sizeof(Word));
-    for (unsigned int i = 0; i < last; i += static_cast<unsigned int>(sizeof(Word))) {
-        std::memcpy(to + i, text + i, sizeof(Word));
+// Copies a text without a NUL, in the same way.
+TQ_ALWAYS_INLINE void CopyWholeText(char* to, const char* text, unsigned int count) {
+    const unsigned int size = sizeof(Word);
+    if (count < size) {
+        for (unsigned int i = 0; i < count; ++i) to[i] = text[i];
+        return;
     }
-    std::memcpy(to + last, text + last, sizeof(Word));
+    const unsigned int last = count - size;
+    for (unsigned int i = 0; i < last; i += size) std::memcpy(to + i, text + i, size);
+    std::memcpy(to + last, text + last, size);
 }
 
 // The same, and puts NULs behind it up to to[end].
@@ -143,8 +145,9 @@ void CopyText(char* to, const char* text, unsigned int count) {
     std::memset(to + copied, 0, count - copied + 1);
 }
 
-// Up to here one pass over the words takes less than a call that measures and one that copies.
-const unsigned int shortBlock = sizeof(Word) == 4 ? 128 : 0;
+// One pass over the words takes less than a call that copies and one that measures, unless these
+// have the wide registers of large processors.
+const bool copiesInOnePass = sizeof(Word) == 4;
 
 // The old block, if there is one, stays the caller's: the text may lie there.
 __attribute__((noinline)) void TakeNewBlock(TqString& string, const char* text, unsigned int count, Extent extent) {
@@ -156,7 +159,7 @@ __attribute__((noinline)) void TakeNewBlock(TqString& string, const char* text, 
         CopyText(block, text, count);
         return;
     }
-    if (extent == held && count < shortBlock) {
+    if (extent == held && copiesInOnePass) {
         CopyAndFill(block, text, count, extent, count);
         return;
     }
@@ -174,8 +177,8 @@ TQ_ALWAYS_INLINE void Construct(TqString& string, const char* text, unsigned int
         TakeNewBlock(string, text, count, extent);
         return;
     }
-    if (extent == measured && count >= sizeof(Word)) {
-        CopyWords(string.internalData, text, count);
+    if (extent == measured) {
+        CopyWholeText(string.internalData, text, count);
     } else {
         CopyShortText(string.internalData, text, count, extent);
     }
@@ -327,9 +330,11 @@ TqString TqString::operator+(const char* text) const {
 }
 
 void TqString::AppendCounter(unsigned int value) {
-    const unsigned int digits = TqCountDigits(value);
-    TqPutDigits(PlaceFor(*this, digits) + digits, value);
-    CountAppended(*this, digits);
+    const unsigned int end = length + TqCountDigits(value);
+    Grow(*this, end);
+    data[end] = '\0';
+    TqPutDigits(data + end, value);
+    length = end;
 }
 
 void TqString::AppendNumber(int value) {
