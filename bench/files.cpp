@@ -6,6 +6,7 @@
 #include <string>
 
 #include "Duty.h"
+#include "Floor.h"
 #include "TqFile.h"
 
 namespace {
@@ -37,31 +38,9 @@ const RegisterDuty linesOwn("lines", ownName, [](unsigned int size) -> Work {
     };
 });
 
-// A virtual operation that reads into a buffer of the class, and tells of the end.
-class Stated {
-public:
-    explicit Stated(std::FILE* opened) : stream(opened) {}
-    virtual ~Stated() { std::fclose(stream); }
-
-    virtual char* Next() {
-        if (stream == nullptr) return nullptr;
-        char* read = std::fgets(line, sizeof line, stream);
-        if (read == nullptr) atEnd = true;
-        return read;
-    }
-
-    std::FILE* stream;
-
-private:
-    static char line[1024];
-    bool atEnd = false;
-};
-
-char Stated::line[1024];
-
 const RegisterDuty linesStated("lines", floorName, [](unsigned int size) -> Work {
     const TemporaryFile text(Lines(size));
-    const auto file = std::make_shared<Stated>(std::fopen(text.name.c_str(), "r"));
+    const auto file = std::make_shared<StatedFile>(std::fopen(text.name.c_str(), "r"));
     return [file](unsigned int times) {
         for (; times > 0; --times) {
             std::rewind(file->stream);

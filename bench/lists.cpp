@@ -8,58 +8,16 @@
 #include <vector>
 
 #include "Duty.h"
+#include "Floor.h"
 #include "TqBaseList.h"
 #include "TqCallbackChain.h"
 #include "TqClassRegistry.h"
 #include "TqFunctionCb.h"
-#include "TqHooks.h"
 #include "TqSortedStringList.h"
 
 namespace {
 
 int item;
-
-// An array that grows by 16 entries, holds no null, and whose items move on their own.
-class Stated {
-public:
-    Stated() : capacity(16), count(0), slots(static_cast<void**>(std::malloc(Size()))) {}
-    Stated(const Stated&) = delete;
-    Stated& operator=(const Stated&) = delete;
-    ~Stated() { std::free(slots); }
-
-    void Insert(unsigned int index, void* inserted) {
-        if (inserted == nullptr) {
-            TqCallAssert("lists", __LINE__);
-            return;
-        }
-        if (__builtin_expect(count + 1 == capacity, 0)) Grow();
-        ++count;
-        if (count > index) {
-            std::memmove(slots + index + 1, slots + index, (count - index) * sizeof(void*));
-        }
-        slots[index] = inserted;
-    }
-
-    void Remove(unsigned int index) {
-        if (index != count) {
-            std::memmove(slots + index, slots + index + 1, (count - index) * sizeof(void*));
-        }
-        --count;
-    }
-
-private:
-    std::size_t Size() const { return (std::size_t(capacity) + 1) * sizeof(void*); }
-
-    __attribute__((noinline)) void Grow() {
-        capacity += 16;
-        slots = static_cast<void**>(std::realloc(slots, Size()));
-    }
-
-public:
-    unsigned int capacity;
-    unsigned int count;
-    void** slots;
-};
 
 const RegisterDuty appendOwn("list_append", ownName, [](unsigned int size) -> Work {
     return [size](unsigned int times) {
@@ -76,7 +34,7 @@ const RegisterDuty appendStated("list_append", floorName, [](unsigned int size) 
     return [size](unsigned int times) {
         int* const appended = Opaque(&item);
         for (; times > 0; --times) {
-            Stated list;
+            StatedList list;
             for (unsigned int i = 0; i < size; ++i) list.Insert(list.count + 1, appended);
             Keep(list);
         }
@@ -107,7 +65,7 @@ const RegisterDuty frontOwn("list_front", ownName, [](unsigned int size) -> Work
 const RegisterDuty frontStated("list_front", floorName, [](unsigned int size) -> Work {
     return [size](unsigned int times) {
         for (; times > 0; --times) {
-            Stated list;
+            StatedList list;
             for (unsigned int i = 0; i < size; ++i) list.Insert(1, &item);
             Keep(list);
         }
@@ -138,10 +96,10 @@ const RegisterDuty removeOwn("list_remove", ownName, [](unsigned int size) -> Wo
 });
 
 const RegisterDuty removeStated("list_remove", floorName, [](unsigned int size) -> Work {
-    const auto list = std::make_shared<Stated>();
+    const auto list = std::make_shared<StatedList>();
     for (unsigned int i = 0; i < size; ++i) list->Insert(1, &item);
     return [size, list](unsigned int times) {
-        Stated& own = *list;
+        StatedList& own = *list;
         for (; times > 0; --times) {
             own.count = size;
             for (unsigned int i = 0; i < size; ++i) own.Remove(1);
@@ -182,42 +140,6 @@ const RegisterDuty chainOwn("chain", ownName, [](unsigned int size) -> Work {
         for (; times > 0; --times) chain->chain.Invoke(nullptr, nullptr);
     };
 });
-
-}  // namespace
-
-// A callback that calls a function where there is one, and a walk that is counted, reads the number
-// of callbacks before every step, and may be left with an exception.
-class StatedCallback {
-public:
-    explicit StatedCallback(void (*called)(StatedCallback*, void*, void*)) : function(called) {}
-    virtual ~StatedCallback() = default;
-    __attribute__((noinline)) virtual void Invoke(void* source, void* data) {
-        if (function != nullptr) function(this, source, data);
-    }
-
-private:
-    void (*function)(StatedCallback*, void*, void*);
-};
-
-namespace {
-
-class StatedChain {
-public:
-    __attribute__((noinline)) void Invoke(void* source, void* data) {
-        struct Walk {
-            explicit Walk(unsigned int& walks) : depth(walks) { ++depth; }
-            ~Walk() { --depth; }
-            unsigned int& depth;
-        };
-        const Walk walk(walkDepth);
-        for (std::size_t i = 0; i < callbacks.size(); ++i) callbacks[i]->Invoke(source, data);
-    }
-
-    std::vector<StatedCallback*> callbacks;
-
-private:
-    unsigned int walkDepth = 0;
-};
 
 void CountStated(StatedCallback*, void*, void*) {
     ++calls;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Duty.h"
+#include "Floor.h"
 #include "TqBaseRef.h"
 
 namespace {
@@ -56,87 +57,6 @@ void CopyAndDropOfMutexes(Lockable& object, Lockable& other) {
     own.mutex.Unlock();
     Keep(own);
 }
-
-// The steps of an object and a handle as they are stated, and nothing else: the same checks, locks
-// and calls, of which constructors, destructors and the change of a handle are functions.
-void Report(bool broken, int line) {
-    if (__builtin_expect(broken, 0)) TqCallAssert("objects", line);
-}
-
-class StatedObject {
-public:
-    __attribute__((noinline)) StatedObject() : self(this) {}
-    __attribute__((noinline)) virtual ~StatedObject() {
-        Report(count != 0, __LINE__);
-        Report(self != this, __LINE__);
-        stamp = 0;
-        self = nullptr;
-        Keep(*this);
-    }
-
-    static void Count(StatedObject* object, unsigned int stamp) {
-        object->Check(stamp);
-        Report(object->mutex.Lock() != 0, __LINE__);
-        ++object->count;
-        Report(object->mutex.Unlock() != 0, __LINE__);
-    }
-
-    static void Uncount(StatedObject* object, unsigned int stamp) {
-        object->Check(stamp);
-        Report(object->mutex.Lock() != 0, __LINE__);
-        const bool last = --object->count == 0;
-        if (last) object->destroying = true;
-        Report(object->mutex.Unlock() != 0, __LINE__);
-        if (last) delete object;
-    }
-
-    unsigned int stamp = 0;
-    StatedObject* self;
-
-private:
-    void Check(unsigned int expected) const {
-        Report(destroying, __LINE__);
-        Report(self != this, __LINE__);
-        Report(stamp != expected, __LINE__);
-    }
-
-    int count = 0;
-    bool destroying = false;
-    TqLinuxMutex mutex;
-};
-
-class StatedHandle {
-public:
-    __attribute__((noinline)) explicit StatedHandle(StatedObject* taken) { Take(taken); }
-    __attribute__((noinline)) StatedHandle(const StatedHandle& other) {
-        Report(other.mutex.Lock() != 0, __LINE__);
-        Take(other.object);
-        Report(other.mutex.Unlock() != 0, __LINE__);
-    }
-    __attribute__((noinline)) virtual ~StatedHandle() { Take(nullptr); }
-
-    StatedObject* object = nullptr;
-
-private:
-    __attribute__((noinline)) void Take(StatedObject* taken) {
-        Report(mutex.Lock() != 0, __LINE__);
-        if (object != nullptr) {
-            Report(object->self != object, __LINE__);
-            Report(object->stamp != stamp, __LINE__);
-        }
-        if (taken != object) {
-            const unsigned int newStamp = taken == nullptr ? 0 : taken->stamp;
-            if (taken != nullptr) StatedObject::Count(taken, newStamp);
-            if (object != nullptr) StatedObject::Uncount(object, stamp);
-            stamp = newStamp;
-            object = taken;
-        }
-        Report(mutex.Unlock() != 0, __LINE__);
-    }
-
-    unsigned int stamp = 0;
-    mutable TqLinuxMutex mutex;
-};
 
 using StatedHandles = std::vector<StatedHandle>;
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Duty.h"
+#include "Floor.h"
 #include "TqBuffer.h"
 #include "TqHooks.h"
 #include "TqIpAddress.h"
@@ -20,19 +21,24 @@
 
 namespace {
 
-const RegisterDuty numberOutOwn("number_out", ownName, [](unsigned int size) -> Work {
+template <class String, class Number>
+Work NumberToText(unsigned int size) {
     return [size](unsigned int times) {
-        TqString text;
+        String text("");
         for (; times > 0; --times) {
-            TqNumber number(firstNumber);
+            Number number(firstNumber);
             for (unsigned int i = 0; i < size; ++i) {
                 ++number.value;
-                number.ToString(text);
+                Opaque(&number)->ToString(text);
                 Keep(text);
             }
         }
     };
-});
+}
+
+const RegisterDuty numberOutOwn("number_out", ownName, NumberToText<TqString, TqNumber>);
+const RegisterDuty numberOutStated("number_out", floorName,
+                                   NumberToText<StatedString, StatedNumber>);
 
 const RegisterDuty numberOutStd("number_out", "snprintf", [](unsigned int size) -> Work {
     return [size](unsigned int times) {
@@ -168,34 +174,6 @@ const RegisterDuty oidCompareOwn("oid_compare", ownName, [](unsigned int size) -
         }
     };
 });
-
-}  // namespace
-
-// Both are asked for their type, which an application's class may override; then the numbers are
-// compared one by one.
-class StatedIdentifier {
-public:
-    explicit StatedIdentifier(const std::vector<unsigned int>& numbers) : values(numbers) {}
-    virtual ~StatedIdentifier() = default;
-    __attribute__((noinline)) virtual short TypeId() const { return typeId; }
-
-    __attribute__((noinline)) int Compare(const StatedIdentifier& other) const {
-        if (other.TypeId() != TypeId()) TqCallAssert("values", __LINE__);
-        const std::size_t size = std::min(values.size(), other.values.size());
-        for (std::size_t i = 0; i < size; ++i) {
-            if (values[i] != other.values[i]) return values[i] < other.values[i] ? -1 : 1;
-        }
-        return values.size() < other.values.size() ? -1 : values.size() > size;
-    }
-
-private:
-    std::vector<unsigned int> values;
-    static short typeId;
-};
-
-short StatedIdentifier::typeId = 12;
-
-namespace {
 
 const RegisterDuty oidCompareStated("oid_compare", floorName, [](unsigned int size) -> Work {
     const std::vector<unsigned long> numbers = Numbers(size);

@@ -1,5 +1,6 @@
 #include "TqClassRegistry.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
@@ -17,27 +18,33 @@ TqClassInfo* HeldInfo(const ClassList& list, unsigned int index) {
     return static_cast<TqClassInfo*>(static_cast<TqBaseObject*>(TqItemIn(list, index)));
 }
 
-// A name that is looked for. It is compared from its end, without a call: classes that begin alike
-// are told apart there.
+// A name that is looked for. Its last characters are compared first, as one number: classes that
+// begin alike are told apart there, without a call.
 class WantedName {
 public:
-    explicit WantedName(const char* name)
-        : text(name), length(std::strlen(name)), last(length == 0 ? '\0' : name[length - 1]) {}
+    explicit WantedName(const char* name) : text(name), length(std::strlen(name)), tail(0) {
+        if (length >= sizeof tail) tail = TailBefore(name + length);
+    }
 
     bool Is(const TqString& name) const {
-        if (length >= name.capacity) return std::strcmp(name.data, text) == 0;
-        if (name.data[length] != '\0') return false;
-        if (length == 0) return true;
-        std::size_t i = length - 1;
-        if (name.data[i] != last) return false;
-        while (i > 0 && name.data[i - 1] == text[i - 1]) --i;
-        return i == 0;
+        if (length < sizeof tail || length >= name.capacity) {
+            return std::strcmp(name.data, text) == 0;
+        }
+        const char* end = name.data + length;
+        return TailBefore(end) == tail && *end == '\0' &&
+               std::memcmp(name.data, text, length) == 0;
     }
 
 private:
+    static std::uint32_t TailBefore(const char* end) {
+        std::uint32_t last;
+        std::memcpy(&last, end - sizeof last, sizeof last);
+        return last;
+    }
+
     const char* text;
     std::size_t length;
-    char last;
+    std::uint32_t tail;
 };
 
 // The walk that every lookup makes. The count is noted once, and a slot is not tested for null: the
