@@ -31,8 +31,7 @@ public:
             return std::strcmp(name.data, text) == 0;
         }
         const char* end = name.data + length;
-        return TailBefore(end) == tail && *end == '\0' &&
-               std::memcmp(name.data, text, length) == 0;
+        return TailBefore(end) == tail && *end == '\0' && std::memcmp(name.data, text, length) == 0;
     }
 
 private:

@@ -118,7 +118,7 @@ unsigned int CopyShortText(char* to, const char* text, unsigned int count, Exten
     return i;
 }
 
-// Copies a text without a NUL, in the same way.
+// Copies all of a text without a NUL, likewise.
 TQ_ALWAYS_INLINE void CopyWholeText(char* to, const char* text, unsigned int count) {
     const unsigned int size = sizeof(Word);
     if (count < size) {
@@ -130,7 +130,7 @@ TQ_ALWAYS_INLINE void CopyWholeText(char* to, const char* text, unsigned int cou
     std::memcpy(to + last, text + last, size);
 }
 
-// The same, and puts NULs behind it up to to[end].
+// Copies what CopyShortText does, and puts NULs behind it up to to[end].
 void CopyAndFill(char* to, const char* text, unsigned int count, Extent extent, unsigned int end) {
     const unsigned int copied = CopyShortText(to, text, count, extent);
     ZeroShortArea(to + copied, end + 1 - copied);
@@ -149,8 +149,10 @@ void CopyText(char* to, const char* text, unsigned int count) {
 // have the wide registers of large processors.
 const bool copiesInOnePass = sizeof(Word) == 4;
 
-// The old block, if there is one, stays the caller's: the text may lie there.
-__attribute__((noinline)) void TakeNewBlock(TqString& string, const char* text, unsigned int count, Extent extent) {
+// The old block, if there is one, stays the caller's: the text may lie there. Kept out of the
+// constructors, in which short texts would pay for its variables.
+__attribute__((noinline)) void TakeNewBlock(TqString& string, const char* text, unsigned int count,
+                                            Extent extent) {
     string.length = count;
     string.capacity = count + 1;
     char* block = static_cast<char*>(TqAllocate(std::size_t(count) + 1));
@@ -171,7 +173,8 @@ __attribute__((noinline)) void TakeNewBlock(TqString& string, const char* text, 
 }
 
 // What the constructors share: the storage is chosen from nothing.
-TQ_ALWAYS_INLINE void Construct(TqString& string, const char* text, unsigned int count, Extent extent) {
+TQ_ALWAYS_INLINE void Construct(TqString& string, const char* text, unsigned int count,
+                                Extent extent) {
     ZeroInside(string);
     if (count > constructedInside) {
         TakeNewBlock(string, text, count, extent);
