@@ -153,10 +153,11 @@ const bool copiesInOnePass = sizeof(Word) == 4;
 // constructors, in which short texts would pay for its variables.
 __attribute__((noinline)) void TakeNewBlock(TqString& string, const char* text, unsigned int count,
                                             Extent extent) {
+    char* block = static_cast<char*>(TqAllocate(std::size_t(count) + 1));
+    // Not before: what is told that there is no memory may throw.
+    string.data = block;
     string.length = count;
     string.capacity = count + 1;
-    char* block = static_cast<char*>(TqAllocate(std::size_t(count) + 1));
-    string.data = block;
     if (extent == promised) {
         CopyText(block, text, count);
         return;
