@@ -134,7 +134,7 @@ TEST_F(TqDataTypeIds, NextIdDoesNotMindTheLastId) {
 TEST_F(TqDataTypeIds, RunTimeIdsAreHandedOutInTheOrderOfAsking) {
     const Celsius<1> first;
     const Celsius<2> second;
-    first.typeId = second.typeId = 0;
+    Celsius<1>::typeId = Celsius<2>::typeId = 0;
     EXPECT_EQ(second.TypeId(), 12);
     EXPECT_EQ(first.TypeId(), 13);
     EXPECT_EQ(second.TypeId(), 12);

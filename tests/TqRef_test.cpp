@@ -43,8 +43,8 @@ TEST(TqRef, ArrowAndStarReachTheObject) {
 
 TEST(TqRef, ReachesAnObjectWhoseBaseStandsSecond) {
     NamedObject* const object = new NamedObject("port");
-    ASSERT_NE(static_cast<void*>(object), static_cast<void*>(static_cast<TqBaseObject*>(object)));
     const TqRef<NamedObject> handle(object);
+    ASSERT_NE(static_cast<void*>(object), static_cast<void*>(static_cast<TqBaseObject*>(object)));
     EXPECT_EQ(handle.Get(), object);
     EXPECT_EQ(&*handle, object);
 }
@@ -56,7 +56,7 @@ TEST(TqRef, TellsWhetherItIsEmpty) {
     EXPECT_FALSE(handle);
     handle = new Mortal(deaths);
     EXPECT_FALSE(handle.IsEmpty());
-    EXPECT_TRUE(handle ? true : false);
+    EXPECT_EQ(handle ? 1 : 2, 1);
     handle = nullptr;
     EXPECT_TRUE(handle.IsEmpty());
     EXPECT_EQ(deaths, 1);

@@ -814,10 +814,10 @@ TEST_F(TqTftp, ALateAnswerStillCountsAfterAResend) {
 }
 
 TEST_F(TqTftp, TheCallersTimeBetweenReadsIsNoPartOfTheWait) {
-    unsigned int pause = 0;
+    time_t pause = 0;
     systemCalls.gettimeofday = [&pause] {
         timeval time = timeval();
-        time.tv_sec = static_cast<time_t>(1000 + pause);
+        time.tv_sec = 1000 + pause;
         return time;
     };
     const UdpSocket server(RequestPort());

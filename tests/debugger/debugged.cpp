@@ -107,7 +107,7 @@ void Answer(const std::string& packet) {
     peerAddress.sin_family = AF_INET;
     peerAddress.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t length = sizeof peerAddress;
-    bind(peer, reinterpret_cast<const sockaddr*>(&peerAddress), length);
+    if (bind(peer, reinterpret_cast<const sockaddr*>(&peerAddress), length) != 0) abort();
     getsockname(peer, reinterpret_cast<sockaddr*>(&peerAddress), &length);
 
     sockaddr_in client = {};

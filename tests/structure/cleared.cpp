@@ -18,6 +18,7 @@ int failures = 0;
 
 template <class Field>
 __attribute__((noinline)) void ExpectCleared(const char* name, const Field* field) {
+    // A field may be a pointer. NOLINTNEXTLINE(bugprone-sizeof-expression)
     unsigned char left[sizeof(Field)];
     std::memcpy(left, static_cast<const void*>(field), sizeof left);
     for (const unsigned char byte : left) {

@@ -6,7 +6,7 @@
 
 bool EnterOwnMounts() {
     return unshare(CLONE_NEWNS) == 0 &&
-           mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+           mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0;
 }
 
 bool HideDescriptors() {
@@ -17,6 +17,6 @@ bool ProtectDevices() {
     struct statvfs before;
     if (!EnterOwnMounts() || statvfs("/dev", &before) != 0) return false;
     const unsigned long kept = before.f_flag & (ST_NOSUID | ST_NODEV | ST_NOEXEC);
-    return mount("/dev", "/dev", nullptr, MS_BIND | MS_REC, nullptr) == 0 &&
-           mount(nullptr, "/dev", nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY | kept, nullptr) == 0;
+    return mount("/dev", "/dev", "none", MS_BIND | MS_REC, nullptr) == 0 &&
+           mount("none", "/dev", "none", MS_BIND | MS_REMOUNT | MS_RDONLY | kept, nullptr) == 0;
 }

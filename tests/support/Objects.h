@@ -96,6 +96,7 @@ public:
     Field Left(Field Base::*field) const {
         const void* address = &(object->*field);
         Field left;
+        // A field may be a pointer. NOLINTNEXTLINE(bugprone-sizeof-expression)
         std::memcpy(static_cast<void*>(&left), address, sizeof left);
         return left;
     }

@@ -17,7 +17,7 @@
 
 namespace {
 
-const int patience = 120000 * Slowness();  // milliseconds
+const int longest = 120000 * Slowness();  // milliseconds
 
 void Check(bool isFine, const char* what) {
     if (!isFine) throw std::system_error(errno, std::generic_category(), what);
@@ -120,7 +120,7 @@ void Program::Type(const std::string& text) const {
 Program::Result Program::Finish() {
     Result result;
     std::string* texts[] = {&result.output, &result.errors};
-    const long long end = Now() + patience;
+    const long long end = Now() + longest;
     pollfd waiting[] = {{outputs[0], POLLIN, 0}, {outputs[1], POLLIN, 0}};
     while ((waiting[0].fd >= 0 || waiting[1].fd >= 0) && Now() < end) {
         poll(waiting, 2, 1000);

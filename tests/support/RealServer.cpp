@@ -47,7 +47,7 @@ std::string HostText() {
 }
 
 // Asks for what is not there until there is an answer.
-bool Answers() {
+bool IsAnswering() {
     const UdpSocket probe({Host(254), 0});
     for (int i = 0; i < 400; ++i) {
         probe.Send(RequestPort(), Request("is-anybody-there", "octet"));
@@ -78,5 +78,5 @@ RealServer::RealServer(Program program, const std::string& directory) {
         EXPECT_EQ(setsockopt(socket.Descriptor(), IPPROTO_IP, IP_PKTINFO, &on, sizeof on), 0);
         child.reset(new Child([&] { ExecuteTftpdHpa(socket, directory); }));
     }
-    if (!Answers()) throw std::runtime_error(paths[program] + std::string(" does not answer"));
+    if (!IsAnswering()) throw std::runtime_error(paths[program] + std::string(" does not answer"));
 }

@@ -10,6 +10,10 @@ namespace {
 const std::size_t headerLength = 4;
 const std::size_t longestPacket = 516;
 
+void Spoil(char& byte, unsigned int bits) {
+    byte = static_cast<char>(byte ^ static_cast<char>(bits));
+}
+
 }  // namespace
 
 TftpProxy::TftpProxy(UdpSocket taken, const Endpoint& realServer, const Troubles& wanted,
@@ -111,10 +115,10 @@ void TftpProxy::Corrupt(Octets& bytes) {
     if (bytes.size() < headerLength) return;
     switch (Below(3)) {
         case 0:  // the operation
-            bytes[Below(2)] ^= static_cast<char>(1 + Below(255));
+            Spoil(bytes[Below(2)], 1 + Below(255));
             break;
         case 1:  // the number, far away
-            bytes[2] ^= static_cast<char>(0x40 + Below(64));
+            Spoil(bytes[2], 0x40 + Below(64));
             break;
         default:  // the length
             if (bytes.size() == longestPacket) bytes.resize(longestPacket + 1 + Below(1000));
@@ -132,7 +136,7 @@ void TftpProxy::SendWhatIsDue() {
 
 void TftpProxy::EndIfSilent() {
     if (troubles.endAfter == 0 || Now() - lastFromServer < troubles.endAfter) return;
-    const Octets error("\0\5\0\0given up", 13);
+    const Octets error("\0\5\0\0given up\0", 13);
     for (const auto& client : clients) {
         listener.Send(client.first, error);
         for (const auto& port : client.second.toClient) port.second.Send(client.first, error);

@@ -248,7 +248,7 @@ Expected Read(const std::string& bytes, unsigned int readPosition) {
 
 // The payload as a string keeps it: counted whole, the text up to the first NUL.
 std::string AsText(const std::string& payload) {
-    std::string text = payload.c_str();
+    std::string text = payload.substr(0, payload.find('\0'));
     text.resize(payload.size());
     return text;
 }

@@ -76,13 +76,19 @@ void Append(char* text, std::size_t size, const char* more) {
     std::strncat(text, more, size - length - 1);
 }
 
+template <std::size_t size>
+void Set(char (&text)[size], const char* value) {
+    text[0] = '\0';
+    Append(text, size, value);
+}
+
 void NoteReport(const char* file, int) {
     Append(told->reports, sizeof told->reports, file);
     Append(told->reports, sizeof told->reports, ", ");
 }
 
 void NoteFailedCall() {
-    if (FailedCall() != nullptr) std::strcpy(told->failedCall, FailedCall());
+    if (FailedCall() != nullptr) Set(told->failedCall, FailedCall());
 }
 
 // Without the core file, and without the words of an emulator.
@@ -134,9 +140,9 @@ using Operation = std::function<std::string()>;
 
 void Try(const Operation& operation) {
     try {
-        std::strcpy(told->result, operation().c_str());
+        Set(told->result, operation().c_str());
     } catch (const std::bad_alloc&) {
-        std::strcpy(told->result, threw);
+        Set(told->result, threw);
     }
 }
 
@@ -382,7 +388,7 @@ TEST_F(SystemFaults, OfTheRegistry) {
         for (int i = 0; i < 20; ++i) {
             std::unique_ptr<TqClassInfo> info(new TqClassInfo("Port", NewPort, nullptr));
             registry->classList.Append(info.get());
-            info.release();
+            static_cast<void>(info.release());
         }
         const std::unique_ptr<TqBaseObject> made(registry->NewObject("Port"));
         registry->Remove("Port");

@@ -501,7 +501,7 @@ TEST_F(Tqfetch, AnErrorOfTheServerIsToldWithItsCodeAndWords) {
          "the server has no such file (error 1: File not found)"},
         {2, "without an end", 18,
          "the server does not give access to the file (error 2: without an end)"},
-        {3, Octets("two\nlines \x1B[31m\0rest", 21), 19,
+        {3, Octets("two\nlines \x1B[31m\0rest\0", 21), 19,
          "the server's disk is full (error 3: two\\nlines \\x1b[31m)"},
         {4, Octets("\0", 1), 20,
          "the server broke the protocol, or says that the request is illegal (error 4)"},
