@@ -320,6 +320,30 @@ TEST_F(TqDownloadFetch, AFloodOfRepeatsIsGivenUpToo) {
     EXPECT_EQ(download.ToBuffer(buffer), TqDownload::silent);
 }
 
+// It would have the client answer the server once more.
+TEST_F(TqDownloadFetch, NothingReachesAClientThatIsLeft) {
+    static std::atomic<int> left(0);
+    static std::atomic<int> reached(0);
+    systemCalls.recvfrom = [](int descriptor, void* bytes, std::size_t length, int flags,
+                              sockaddr* sender, socklen_t* senderLength) {
+        if ((fcntl(descriptor, F_GETFL) & O_NONBLOCK) != 0 && left++ == 0) {
+            sockaddr_in own = sockaddr_in();
+            socklen_t ownLength = sizeof own;
+            getsockname(descriptor, reinterpret_cast<sockaddr*>(&own), &ownLength);
+            UdpSocket({Host(2), 0}).Send({Host(2), ToEndpoint(own).port}, "late");
+            reached += recv(descriptor, bytes, length, MSG_PEEK | MSG_DONTWAIT) < 0 ? 0 : 1;
+        }
+        return recvfrom(descriptor, bytes, length, flags, sender, senderLength);
+    };
+    const Child server = Answer([](const UdpSocket&, const Endpoint&, const Octets&) {});
+    TqDownload download(HostName().c_str(), "motd");
+    download.deadline = 1;
+    TqBuffer buffer;
+    EXPECT_EQ(download.ToBuffer(buffer), TqDownload::late);
+    EXPECT_GT(left, 0);
+    EXPECT_EQ(reached, 0);
+}
+
 TEST_F(TqDownloadFetch, TheDeadlineEndsATransferThatGoesOn) {
     const Child server =
         Answer([](const UdpSocket& socket, const Endpoint& client, const Octets& datagram) {
@@ -530,6 +554,24 @@ TEST_F(TqDownloadFetch, SignalsOfTheProgramDoNoHarm) {
     EXPECT_TRUE(ContentOf(buffer) == RandomBytes(200000, 3));
     EXPECT_EQ(elsewhere, 0);
     signal(SIGUSR1, SIG_IGN);
+}
+
+TEST_F(TqDownloadFetch, ASignalThatTheCallerBlocksWaitsForTheCaller) {
+    static std::atomic<int> handled(0);
+    signal(SIGUSR1, [](int) { ++handled; });
+    sigset_t one;
+    sigset_t maskBefore;
+    sigemptyset(&one);
+    sigaddset(&one, SIGUSR1);
+    pthread_sigmask(SIG_BLOCK, &one, &maskBefore);
+    WriteFile(served.Path("motd"), RandomBytes(200000, 3));
+    const Child server = Serve();
+    TqDownload download(HostName().c_str(), "motd");
+    auto disturb = [](const unsigned char*, unsigned int) { return kill(getpid(), SIGUSR1) == 0; };
+    EXPECT_EQ(download.ToFunction(disturb), TqDownload::complete);
+    EXPECT_EQ(handled, 0);
+    signal(SIGUSR1, SIG_IGN);
+    pthread_sigmask(SIG_SETMASK, &maskBefore, nullptr);
 }
 
 TEST_F(TqDownloadFetch, ThreadsTakeTurns) {
@@ -823,6 +865,24 @@ TEST_F(TqDownloadFetch, ADeadlineIsExact) {
     EXPECT_EQ(pieces, 3u);
 }
 
+TEST_F(TqDownloadFetch, APatienceIsExact) {
+    const Child server = Answer([](const UdpSocket&, const Endpoint&, const Octets&) {});
+    static timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    now.tv_nsec = 0;
+    static int looks = 0;
+    systemCalls.clock_gettime = [] { return now; };
+    TqDownload download(HostName().c_str(), "motd");
+    download.patience = 1;
+    download.watch = [](void*, unsigned long long, unsigned int) {
+        now.tv_sec += ++looks - 1;
+        now.tv_nsec = looks == 1 ? 999000000 : 0;
+    };
+    TqBuffer buffer;
+    EXPECT_EQ(download.ToBuffer(buffer), TqDownload::silent);
+    EXPECT_EQ(looks, 2);
+}
+
 TEST_F(TqDownloadFetch, TheDeadlineEndsATransferThatNeverPauses) {
     const Child server = AnswerWithBlocks(60000);
     TqDownload download(HostName().c_str(), "motd");
@@ -870,6 +930,20 @@ TEST_F(TqDownloadFetch, WhoWaitsForItsTurnEndsInTimeToo) {
     const clock_t used = clock();
     EXPECT_EQ(second.ToBuffer(buffer), TqDownload::late);
     EXPECT_LT(clock() - used, CLOCKS_PER_SEC / 4);
+    // Of several tries the quickest counts.
+    long long quickest = 10000;
+    for (int i = 0; i < 8 && quickest >= 1000; ++i) {
+        const long long start = Now();
+        TqDownload third(HostName().c_str(), "motd");
+        std::thread canceller([&third] {
+            usleep(100000);
+            third.Cancel();
+        });
+        EXPECT_EQ(third.ToBuffer(buffer), TqDownload::cancelled);
+        quickest = std::min(quickest, Now() - start);
+        canceller.join();
+    }
+    EXPECT_LT(quickest, 1000);
     first.Cancel();
     other.join();
 }
@@ -984,11 +1058,14 @@ TEST_F(TqDownloadSockets, ThoseOfOtherKindsAreNotTakenForTheClients) {
 TEST_F(TqDownloadSockets, OneThatIsClosedMeanwhileIsNotTakenForTheClients) {
     const Child server = Serve();
     OpenOneLikeTheClients();
-    Meanwhile([this] {
+    int attempts = 0;
+    Meanwhile([this, &attempts] {
         for (const int descriptor : opened) close(descriptor);
         opened.clear();
+        ++attempts;
     });
     EXPECT_EQ(Fetch(), TqDownload::complete) << text;
+    EXPECT_EQ(attempts, 1);
 }
 
 TEST_F(TqDownloadSockets, WhereThereAreTwoNewOnesAllIsBegunAnewThreeTimesAtMost) {

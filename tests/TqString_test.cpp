@@ -1,6 +1,8 @@
 #include "TqString.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <cfloat>
 #include <cstdio>
@@ -245,6 +247,26 @@ TEST(TqString, SetValueReadsNothingBehindTheCountOrTheText) {
     const std::unique_ptr<char[]> shortText(new char[3]{'a', 'b', '\0'});
     s.SetValue(shortText.get(), 100);
     EXPECT_EQ(Held(s), HeldInBlock(101, "ab" + Repeated(98, '\0')));
+}
+
+// The page behind the one that the text ends with cannot be read.
+TEST(TqString, SetValueNeverTouchesWhatLiesBehindTheText) {
+    const std::size_t page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    void* const pages =
+        mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(pages, MAP_FAILED);
+    char* const end = static_cast<char*>(pages) + page;
+    ASSERT_EQ(mprotect(end, page, PROT_NONE), 0);
+    for (unsigned int length = 0; length < 32; ++length) {
+        char* const text = end - length - 1;
+        std::memset(text, 'x', length);
+        for (const unsigned int count : {length, length + 1, 32u, 100u}) {
+            TqString s;
+            s.SetValue(text, count);
+            EXPECT_EQ(std::strlen(s.data), length) << count;
+        }
+    }
+    munmap(pages, 2 * page);
 }
 
 // Assignment.

@@ -16,6 +16,7 @@
 #include "Objects.h"
 #include "Random.h"
 #include "Reports.h"
+#include "Sanitizers.h"
 #include "TqBaseRef.h"
 #include "TqBaseRefList.h"
 #include "TqCallback.h"
@@ -27,42 +28,65 @@
 
 namespace {
 
-std::atomic<int> living;
+// Counts without an order, which would be one of the threads as well: the thread sanitizer would
+// then take what they do without a lock for what one does after the other.
+class Count {
+public:
+    unsigned int Add(unsigned int some) {
+        return count.fetch_add(some, std::memory_order_relaxed) + some;
+    }
+    void TakeOne() { count.fetch_sub(1, std::memory_order_relaxed); }
+    operator unsigned int() const { return count.load(std::memory_order_relaxed); }
+    void Clear() { count.store(0, std::memory_order_relaxed); }
+
+private:
+    std::atomic<unsigned int> count;
+};
+
+Count living;
 
 class Counted : public TqBaseObject {
 public:
-    Counted() { ++living; }
-    ~Counted() override { --living; }
+    Counted() { living.Add(1); }
+    ~Counted() override { living.TakeOne(); }
 };
 
 using Handle = TqRef<Counted>;
 using List = TqRefList<Counted>;
 
-std::atomic<unsigned int> failures;
+Count failures;
 
 #ifdef TQ_HAVE_FAULTS
 
-std::atomic<unsigned int> mutexCalls;
+Count mutexCalls;
 
 int FailSome(const TqLinuxMutex*, bool, int result) {
-    if (result != 0 || ++mutexCalls % 997 != 0) return result;
-    ++failures;
+    if (result != 0 || mutexCalls.Add(1) % 997 != 0) return result;
+    failures.Add(1);
     return 11;
 }
 
 #endif
 
 // The failures that are asked for are reported, and nothing else is.
-std::atomic<unsigned int> reports;
+Count reports;
 
 void CountReport(const char*, int) {
-    ++reports;
+    reports.Add(1);
 }
 
-// What all threads share. Lists are assigned in one direction only.
+Count steps;
+
+// What all threads share. Lists are assigned in one direction only. What is removed from `full` was
+// put there before, so that it always has its first items.
 struct Shared {
+    Shared() {
+        for (int i = 0; i < 3; ++i) full.InsertSlot(1, new Counted);
+    }
+
     Handle handles[4];
     List lists[3];
+    List full;
 };
 
 class Worker {
@@ -73,7 +97,7 @@ public:
         Handle& handle = shared.handles[random.Below(4)];
         const unsigned int place = random.Below(3);
         List& list = shared.lists[place];
-        switch (random.Below(13)) {
+        switch (random.Below(14)) {
             case 0:
                 handle = new Counted;
                 break;
@@ -110,6 +134,9 @@ public:
             case 11:
                 if (place > 0) shared.lists[place - 1] = list;
                 break;
+            case 12:
+                ChangeFull(shared.full);
+                break;
             default:
                 LookUp();
         }
@@ -136,6 +163,12 @@ private:
         while (copy.count > 20) copy.RemoveSlot(copy.count);
     }
 
+    void ChangeFull(List& full) {
+        full.InsertSlot(random.Below(3) + 1, new Counted);
+        full.SwapItems(random.Below(3) + 1, random.Below(3) + 1);
+        full.RemoveSlot(random.Below(3) + 1);
+    }
+
     static void LookUp() {
         EXPECT_NE(Counted().ClassInfo(), nullptr);
         EXPECT_EQ(TqBaseObject::TqBaseObjectInitInfo(), TqBaseObject::TqBaseObjectInfo);
@@ -147,9 +180,15 @@ private:
     List own;
 };
 
+#ifdef TQ_THREAD_SANITIZED
+const long long usualMilliseconds = 5000;
+#else
+const long long usualMilliseconds = 1000;
+#endif
+
 long long Milliseconds() {
     const char* const seconds = std::getenv("TQ_SOAK_SECONDS");
-    return seconds != nullptr ? std::atoll(seconds) * 1000 : 1000;
+    return seconds != nullptr ? std::atoll(seconds) * 1000 : usualMilliseconds;
 }
 
 unsigned int Seed() {
@@ -159,24 +198,21 @@ unsigned int Seed() {
 
 TEST(RandomThreads, NeitherLoseNorForgetAnObject) {
     TqBaseObject::TqBaseObjectInitInfo();
-    living = 0;
-    failures = 0;
-    reports = 0;
+    for (Count* const each : {&living, &failures, &reports, &steps}) each->Clear();
     const TqAssertCb before = TqRegisterAssertCb(CountReport);
 #ifdef TQ_HAVE_FAULTS
     TqWatchMutexes(FailSome);
 #endif
-    std::atomic<unsigned int> steps(0);
     {
         Shared shared;
         const long long end = Now() + Milliseconds();
         std::vector<std::thread> threads;
         for (unsigned int i = 0; i < 4; ++i) {
-            threads.emplace_back([&shared, &steps, end, i] {
+            threads.emplace_back([&shared, end, i] {
                 Worker worker(shared, Seed() * 100 + i);
                 do {
                     for (int step = 0; step < 100; ++step) worker.Step();
-                    steps += 100;
+                    steps.Add(100);
                 } while (Now() < end);
             });
         }
@@ -187,10 +223,10 @@ TEST(RandomThreads, NeitherLoseNorForgetAnObject) {
     EXPECT_GT(failures, 0u);
 #endif
     TqRegisterAssertCb(before);
-    EXPECT_EQ(living, 0);
+    EXPECT_EQ(living, 0u);
     EXPECT_EQ(reports, failures);
-    std::printf("[   STEPS  ] %u, with %u failing mutex calls, from seed %u\n", steps.load(),
-                failures.load(), Seed());
+    std::printf("[   STEPS  ] %u, with %u failing mutex calls, from seed %u\n", +steps, +failures,
+                Seed());
 }
 
 }  // namespace

@@ -574,6 +574,19 @@ TEST_F(TqfetchTarget, APipeNeedNotReachADisk) {
     EXPECT_TRUE(S_ISFIFO(StatusOf(pipe).st_mode));
 }
 
+// Some file systems tell so that there was no room.
+TEST_F(TqfetchTarget, AnOutputThatCannotBeClosedIsAFailure) {
+    const std::string pipe = directory.Path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    systemCalls.write = [](int descriptor, const void*, std::size_t count) {
+        close(descriptor);
+        return static_cast<ssize_t>(count);
+    };
+    EXPECT_EQ(ProblemOf(pipe), pipe + ": Bad file descriptor");
+    close(reader);
+}
+
 TEST_F(TqfetchTarget, ANewFileHasTheModeThatTheMaskLeaves) {
     for (const mode_t mask : {0u, 022u, 027u, 077u, 0777u}) {
         umask(mask);
