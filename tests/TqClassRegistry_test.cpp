@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <string>
 #include <type_traits>
 #include <typeinfo>
 
+#include "LastPage.h"
 #include "Objects.h"
 #include "Reports.h"
 #include "TqBaseRef.h"
@@ -91,6 +93,7 @@ TEST(TqClassRegistry, AFreshOneFindsMakesAndPrintsNothing) {
     TqClassRegistry registry;
     EXPECT_EQ(registry.classList.count, 0u);
     EXPECT_EQ(registry.ClassInfo("TqFile"), nullptr);
+    EXPECT_EQ(registry.ClassInfo(nullptr), nullptr);
     EXPECT_EQ(registry.NewObject("TqFile"), nullptr);
     EXPECT_EQ(registry.Find(TqString("TqFile")), nullptr);
     EXPECT_EQ(Dumped(registry), "");
@@ -224,6 +227,17 @@ TEST(TqClassRegistry, ClassInfoGoesByTheTextWhateverItsLengthSays) {
         EXPECT_EQ(registry.ClassInfo(std::string(500, 'x').c_str()), nullptr);
     }
     info->name.length = 4;
+}
+
+TEST(TqClassRegistry, ClassInfoReadsNothingBehindTheStorageOfAName) {
+    const LastPage page;
+    TqClassRegistry registry;
+    TqClassInfo* const info = Register(registry, "");
+    info->name.data = std::strcpy(page.End() - 4, "eth");
+    info->name.capacity = 4;
+    EXPECT_EQ(registry.ClassInfo("eth"), info);
+    EXPECT_EQ(registry.ClassInfo("ethernet"), nullptr);
+    info->name.data = info->name.internalData;
 }
 
 TEST(TqClassRegistry, FindFindsANameWholeAndCaseSensitively) {

@@ -283,6 +283,23 @@ TEST(TqSnmpOid, MovesToTheHeapWithTheSeventeenthValue) {
     EXPECT_EQ(ValuesOf(oid), CountingValues(17));
 }
 
+TEST(TqSnmpOid, ComparesTheLastOfManyNumbers) {
+    const TqSnmpOid oid("1.2.3.4.5.6");
+    EXPECT_EQ(oid.Compare(TqSnmpOid("1.2.3.4.5.6")), 0);
+    EXPECT_EQ(oid.Compare(TqSnmpOid("1.2.3.4.5.7")), -1);
+    EXPECT_EQ(oid.Compare(TqSnmpOid("1.2.3.4.5.5")), 1);
+}
+
+TEST(TqSnmpOid, ALongTextWritesNothingBehindTheInternalValues) {
+    struct {
+        TqSnmpOid oid{""};
+        unsigned int behind = 12345;
+    } held;
+    held.oid.FromString("1.2.3.4.5.6.7.8.9.10.11.12.13.14.15.16.17.18");
+    EXPECT_EQ(ValuesOf(held.oid), CountingValues(18));
+    EXPECT_EQ(held.behind, 12345u);
+}
+
 TEST(TqSnmpOid, DoublesItsStorageWhenAppendedOneAtATime) {
     EXPECT_EQ(Counting(32).capacity, 32u);
     EXPECT_EQ(Counting(33).capacity, 64u);

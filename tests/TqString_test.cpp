@@ -1,8 +1,6 @@
 #include "TqString.h"
 
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <cfloat>
 #include <cstdio>
@@ -11,6 +9,7 @@
 #include <new>
 #include <vector>
 
+#include "LastPage.h"
 #include "Reports.h"
 #include "TqBuffer.h"
 #include "TqNumber.h"
@@ -249,16 +248,10 @@ TEST(TqString, SetValueReadsNothingBehindTheCountOrTheText) {
     EXPECT_EQ(Held(s), HeldInBlock(101, "ab" + Repeated(98, '\0')));
 }
 
-// The page behind the one that the text ends with cannot be read.
 TEST(TqString, SetValueNeverTouchesWhatLiesBehindTheText) {
-    const std::size_t page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    void* const pages =
-        mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    ASSERT_NE(pages, MAP_FAILED);
-    char* const end = static_cast<char*>(pages) + page;
-    ASSERT_EQ(mprotect(end, page, PROT_NONE), 0);
+    const LastPage page;
     for (unsigned int length = 0; length < 32; ++length) {
-        char* const text = end - length - 1;
+        char* const text = page.End() - length - 1;
         std::memset(text, 'x', length);
         for (const unsigned int count : {length, length + 1, 32u, 100u}) {
             TqString s;
@@ -266,7 +259,6 @@ TEST(TqString, SetValueNeverTouchesWhatLiesBehindTheText) {
             EXPECT_EQ(std::strlen(s.data), length) << count;
         }
     }
-    munmap(pages, 2 * page);
 }
 
 // Assignment.

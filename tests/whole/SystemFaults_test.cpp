@@ -441,7 +441,8 @@ TEST_F(SystemFaults, OfAFileThatIsRead) {
 
 struct MemoryHasEnded {};
 
-void ThrowReport(const char*, int) {
+void ThrowReport(const char* file, int) {
+    EXPECT_STREQ(file, "TqHooks");
     throw MemoryHasEnded();
 }
 

@@ -218,7 +218,9 @@ TEST(ItemJson, ThatIsNoneIsRefused) {
     EXPECT_EQ(ProblemOfJson("{\"items\" 5}"), "JSON, byte 9: ':' is missing");
     EXPECT_EQ(ProblemOfJson("[\"x"), "JSON, byte 3: a text does not end");
     EXPECT_EQ(ProblemOfJson("[\"\n\"]"), "JSON, byte 3: a control character in a text");
+    EXPECT_EQ(ProblemOfJson("[\"\x1f\"]"), "JSON, byte 3: a control character in a text");
     EXPECT_EQ(ProblemOfJson("[\"\\x\"]"), "JSON, byte 4: an unknown escape");
+    EXPECT_EQ(ProblemOfJson("[\"\\"), "JSON, byte 3: an unknown escape");
     EXPECT_EQ(ProblemOfJson("[\"\\u12\"]"), "JSON, byte 4: \\u takes four digits");
     EXPECT_EQ(ProblemOfJson("[\"\\udc00\"]"), "JSON, byte 8: half a character");
     EXPECT_EQ(ProblemOfJson(std::string(100, '[')), "JSON, byte 17: too many levels");
@@ -230,6 +232,8 @@ TEST(ItemJson, ThatSaysNoItemsIsRefused) {
     EXPECT_EQ(ProblemOfJson("[{\"text\": \"x\"}, 5]"), "item 2: is no object");
     EXPECT_EQ(ProblemOfJson("[{}]"), "item 1: has neither \"hex\" nor \"text\" nor \"value\"");
     EXPECT_EQ(ProblemOfJson("[{\"hex\": 12}]"), "item 1: \"hex\" is no text");
+    EXPECT_EQ(ProblemOfJson("[{\"text\": 12}]"), "item 1: \"text\" is no text");
+    EXPECT_EQ(ProblemOfJson("[{\"value\": 1, \"type\": 2}]"), "item 1: \"type\" is no text");
     EXPECT_EQ(ProblemOfJson("[{\"value\": 5, \"type\": \"date\"}]"), "item 1: \"date\" is no type");
     EXPECT_EQ(ProblemOfJson("[{\"value\": 5, \"type\": \"boolean\"}]"),
               "item 1: \"5\" is no boolean");
