@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <string>
 #include <vector>
 
 #include "LastPage.h"
@@ -1100,6 +1101,23 @@ TEST(TqString, CloneIsACopy) {
     const std::unique_ptr<TqDataType> clone(s.Clone());
     EXPECT_EQ(Held(static_cast<TqString&>(*clone)), HeldInBlock(41, Letters(40)));
     EXPECT_EQ(clone->TypeId(), 1);
+}
+
+TEST(TqString, AShorterTextLeavesNoCharacterOfTheLongerOneInside) {
+    const std::string letters = "abcdefghijklmnopqrstuvwxyz01234";
+    for (std::size_t before = 1; before <= letters.size(); ++before) {
+        for (std::size_t after = 0; after < before; ++after) {
+            TqString string(letters.substr(0, before).c_str());
+            string = letters.substr(0, after).c_str();
+            std::string area = letters.substr(0, after);
+            area.resize(sizeof string.internalData);
+            EXPECT_EQ(std::string(string.internalData, sizeof string.internalData), area);
+        }
+        TqString string(letters.substr(0, before).c_str());
+        string.Empty();
+        EXPECT_EQ(std::string(string.internalData, sizeof string.internalData),
+                  std::string(sizeof string.internalData, '\0'));
+    }
 }
 
 }  // namespace
