@@ -1,6 +1,7 @@
 // tqcommon_bench [--thread] [--rounds N] [--batch MICROSECONDS] DUTY:SIZE...
 //
-// Measures each duty by all who do it, in turn: a round is a batch of each, and there are N rounds.
+// Measures each duty by all who do it, in turn: a round is a batch of each, and there are N rounds,
+// every other one in reverse, so that nobody always follows the same one.
 // Prints a line for each: duty, size, who, the median of its nanoseconds, and the median of its
 // ratios to this library's batch of the same round, separated by tabs. Times are the thread's own
 // processor time, so that other programs disturb less. --thread keeps a second thread alive, which
@@ -93,7 +94,9 @@ bool Measure(const Request& request) {
     }
     for (unsigned int i = 0; i < rounds; ++i) {
         for (Contestant& contestant : contestants) contestant.Measure();
+        std::reverse(contestants.begin(), contestants.end());
     }
+    if (rounds % 2 != 0) std::reverse(contestants.begin(), contestants.end());
     for (const Contestant& contestant : contestants) {
         std::printf("%s\t%u\t%s\t%.3f\t%.4f\n", request.duty.c_str(), request.size, contestant.who,
                     Median(contestant.nanoseconds), MedianRatio(contestants[0], contestant));
