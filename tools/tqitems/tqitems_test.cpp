@@ -211,6 +211,23 @@ TEST(ItemJson, KnowsEveryEscape) {
               EncodeItem(std::string("\xf0\x9f\x98\x80\0", 5), nullptr));
 }
 
+TEST(ItemJson, TakesTheFirstAndTheLastCharacterOfEveryLength) {
+    EXPECT_EQ(EncodeJson("[{\"text\": \"\\u007f\\u0080\\u07ff\\u0800\\ud7ff\\ue000\\uffff\"}]"),
+              EncodeItem("\x7f\xc2\x80\xdf\xbf\xe0\xa0\x80\xed\x9f\xbf\xee\x80\x80\xef\xbf\xbf",
+                         nullptr));
+    EXPECT_EQ(
+        EncodeJson("[{\"text\": \"\\ud800\\udc00\\ud800\\udfff\\udbff\\udc00\\udbff\\udfff\"}]"),
+        EncodeItem("\xf0\x90\x80\x80\xf0\x90\x8f\xbf\xf4\x8f\xb0\x80\xf4\x8f\xbf\xbf", nullptr));
+}
+
+TEST(ItemJson, WithHalfACharacterIsRefused) {
+    for (const char* half : {"ud800", "ud800x", "ud800\\n", "udbff", "udc00\\ud800", "udc00\\udc00",
+                             "udfff", "ud800\\udbff", "ud800\\ue000"}) {
+        const std::string problem = ProblemOfJson(std::string("[\"\\") + half + "\"]");
+        EXPECT_NE(problem.find(": half a character"), std::string::npos) << half << ": " << problem;
+    }
+}
+
 TEST(ItemJson, ThatIsNoneIsRefused) {
     EXPECT_EQ(ProblemOfJson(""), "JSON, byte 0: a value is missing");
     EXPECT_EQ(ProblemOfJson("[] x"), "JSON, byte 3: something follows the end");
