@@ -697,6 +697,13 @@ TEST_F(Tftpserve, ANetworkOfItsOwnThatCannotBeHadIsAnError) {
     EXPECT_EQ(down.status, 1);
 }
 
+TEST_F(Tftpserve, ACommandThatNoProcessIsThereForCannotBeStarted) {
+    const Program::Result result =
+        Run({directory.Path(), "true"}, [] { Refuse(SYS_clone, EAGAIN); });
+    EXPECT_EQ(result.errors, "tftpserve: Resource temporarily unavailable\n");
+    EXPECT_EQ(result.status, 127);
+}
+
 #endif
 
 TEST_F(Tftpserve, TheCommandInheritsNoSocket) {
