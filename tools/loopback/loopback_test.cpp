@@ -89,22 +89,48 @@ TEST_F(UdpSocketTest, WaitsForADatagramForAsLongAsTold) {
     EXPECT_EQ(datagram, "before");
 }
 
+// Interrupts what waits every few milliseconds.
+class Interruptions {
+public:
+    Interruptions() {
+        struct sigaction action = {};
+        action.sa_handler = [](int) {};
+        sigaction(SIGALRM, &action, nullptr);
+        SetTimer(5000);
+    }
+    Interruptions(const Interruptions&) = delete;
+    Interruptions& operator=(const Interruptions&) = delete;
+    ~Interruptions() {
+        SetTimer(0);
+        signal(SIGALRM, SIG_DFL);
+    }
+
+private:
+    static void SetTimer(suseconds_t microseconds) {
+        itimerval timer = itimerval();
+        timer.it_interval.tv_usec = timer.it_value.tv_usec = microseconds;
+        setitimer(ITIMER_REAL, &timer, nullptr);
+    }
+};
+
 TEST_F(UdpSocketTest, WaitsOnAfterASignal) {
-    struct sigaction action = {};
-    action.sa_handler = [](int) {};
-    sigaction(SIGALRM, &action, nullptr);
-    itimerval timer = itimerval();
-    timer.it_interval.tv_usec = timer.it_value.tv_usec = 5000;
-    setitimer(ITIMER_REAL, &timer, nullptr);
+    const Interruptions interruptions;
     const UdpSocket socket({Host(1), 0});
     const long long start = Now();
     EXPECT_FALSE(socket.Receive(datagram, sender, 40));
-    const long long waited = Now() - start;
-    const itimerval off = itimerval();
-    setitimer(ITIMER_REAL, &off, nullptr);
-    signal(SIGALRM, SIG_DFL);
-    EXPECT_GE(waited, 40);
-    EXPECT_LT(waited, 30000);
+    EXPECT_GE(Now() - start, 40);
+    EXPECT_LT(Now() - start, 30000);
+}
+
+TEST_F(UdpSocketTest, WaitsNoMoreWhereASignalEndsTheWaitTooLate) {
+    const Interruptions interruptions;
+    const UdpSocket socket({Host(1), 0});
+    timespec now = {1000, 0};
+    systemCalls.clock_gettime = [&now] {
+        now.tv_sec += 100;
+        return now;
+    };
+    EXPECT_FALSE(socket.Receive(datagram, sender, 50000));
 }
 
 TEST_F(UdpSocketTest, HasNothingWhereTheDatagramIsGoneWhenItLooks) {
@@ -154,10 +180,18 @@ TEST_F(UdpSocketTest, LivesOnWhereTheOneItWasMovedFromGoes) {
     EXPECT_TRUE(second.Receive(datagram, sender, 60000));
 }
 
-// The name of the network that this process is in.
-std::string Network() {
+// The names of the network, or of the users, that this process is in.
+std::string NameOf(const char* file) {
     char name[64] = {};
-    return readlink("/proc/self/ns/net", name, sizeof name - 1) > 0 ? name : "unknown";
+    return readlink(file, name, sizeof name - 1) > 0 ? name : "unknown";
+}
+
+std::string Network() {
+    return NameOf("/proc/self/ns/net");
+}
+
+std::string Users() {
+    return NameOf("/proc/self/ns/user");
 }
 
 // Enters a network of its own, and says what is wrong with it.
@@ -191,6 +225,16 @@ TEST(OwnNetwork, HasALoopbackInterfaceWithEveryPortFree) {
     if (!HasOwnNetwork()) GTEST_SKIP() << "this takes a network of its own";
     const UdpSocket taken({INADDR_LOOPBACK, 69});
     EXPECT_EQ(StatusOf(ProblemOfOwnNetwork), 0);
+}
+
+TEST(OwnNetwork, LeavesRootAmongTheSameUsers) {
+    if (!HasOwnNetwork()) GTEST_SKIP() << "this takes a network of its own";
+    EXPECT_EQ(StatusOf([] {
+                  const std::string before = Users();
+                  const std::string problem = EnterOwnNetwork();
+                  return Users() == before ? problem : "other users";
+              }),
+              0);
 }
 
 #ifndef TQ_EMULATED  // which has threads of its own

@@ -85,6 +85,20 @@ protected:
         return AnswerToPacket(Request(name, "octet"));
     }
 
+    // Whether a server that is root for no file answers this.
+    bool IsAnswerWithoutCapabilities(const std::string& name, const Octets& expected) const {
+        Child child([&] {
+            UdpSocket listener(RequestPort());
+            DropCapabilities();
+            TftpServer server(std::move(listener), served);
+            const UdpSocket client({Host(2), 0});
+            const Octets answer = Answer(server, client, RequestPort(), Request(name, "octet"));
+            _exit(answer == expected ? 0 : 1);
+        });
+        int status = -1;
+        return child.Wait(60000, status) && status == 0;
+    }
+
     // What the server sends to a client who has sent nothing.
     static Octets Sent(TftpServer& server, const UdpSocket& client) {
         server.Serve(0);
@@ -183,17 +197,14 @@ TEST_F(TftpServerTest, ADirectoryThatIsALinkIsServed) {
 TEST_F(TftpServerTest, AFileThatMayNotBeReadIsError2) {
     WriteFile(directory.Path("file"), "hello");
     ASSERT_EQ(chmod(directory.Path("file").c_str(), 0), 0);
-    Child child([this] {
-        UdpSocket listener(RequestPort());
-        DropCapabilities();
-        TftpServer server(std::move(listener), served);
-        const UdpSocket client({Host(2), 0});
-        const Octets answer = Answer(server, client, RequestPort(), Request("file", "octet"));
-        _exit(answer == Error(2, "May not be read") ? 0 : 1);
-    });
-    int status = -1;
-    ASSERT_TRUE(child.Wait(60000, status));
-    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(IsAnswerWithoutCapabilities("file", Error(2, "May not be read")));
+}
+
+TEST_F(TftpServerTest, AFileInAFolderThatMayOnlyBeSearchedIsServed) {
+    ASSERT_EQ(mkdir(directory.Path("sub").c_str(), 0755), 0);
+    WriteFile(directory.Path("sub/file"), "hello");
+    ASSERT_EQ(chmod(directory.Path("sub").c_str(), 0111), 0);
+    EXPECT_TRUE(IsAnswerWithoutCapabilities("sub/file", Data(1, "hello")));
 }
 
 TEST_F(TftpServerTest, OnlyReadRequestsInOctetModeAreServed) {
@@ -251,6 +262,17 @@ TEST_F(TftpServerTest, ALinkThatIsPutThereMeanwhileIsNotFollowed) {
         return result;
     };
     EXPECT_EQ(AnswerTo("file"), Error(2, "May not be read"));
+}
+
+TEST_F(TftpServerTest, APipeThatIsPutThereMeanwhileStopsNobody) {
+    WriteFile(directory.Path("file"), "hello");
+    systemCalls.stat = [&](const char* path, struct stat* status) {
+        const int result = stat(path, status);
+        unlink(directory.Path("file").c_str());
+        EXPECT_EQ(mkfifo(directory.Path("file").c_str(), 0600), 0);
+        return result;
+    };
+    EXPECT_EQ(AnswerTo("file"), Data(1, ""));
 }
 
 TEST_F(TftpServerTest, AFileThatCannotBeReadToItsEndIsRefused) {
@@ -364,6 +386,20 @@ TEST_F(TftpServerTest, ASilentClientIsSentTheBlockAgainAndThenGivenUp) {
     Pass(100);
     EXPECT_EQ(Sent(server, client), "nothing");
     EXPECT_EQ(AnswerIfAny(server, client, transfer, Acknowledgement(1)), "nothing");
+}
+
+TEST_F(TftpServerTest, AClientThatNeverAnswersIsSentTheFirstBlockAsOften) {
+    WriteFile(directory.Path("file"), "hello");
+    served.resendAfter = 100;
+    served.resends = 1;
+    StopTheClock();
+    TftpServer server(UdpSocket(RequestPort()), served);
+    const UdpSocket client({Host(2), 0});
+    EXPECT_EQ(Answer(server, client, RequestPort(), Request("file", "octet")), Data(1, "hello"));
+    Pass(100);
+    EXPECT_EQ(Sent(server, client), Data(1, "hello"));
+    Pass(100);
+    EXPECT_EQ(Sent(server, client), "nothing");
 }
 
 TEST_F(TftpServerTest, OfMoreThan64TransfersTheOldestIsDropped) {
@@ -695,6 +731,9 @@ TEST_F(Tftpserve, ANetworkOfItsOwnThatCannotBeHadIsAnError) {
     const Program::Result down = Run(words, [] { Refuse(SYS_ioctl, EPERM); });
     EXPECT_EQ(down.errors, "tftpserve: no loopback interface: Operation not permitted\n");
     EXPECT_EQ(down.status, 1);
+    const Program::Result unknown = Run(words, [] { Refuse(SYS_socket, EMFILE); });
+    EXPECT_EQ(unknown.errors, "tftpserve: no loopback interface: Too many open files\n");
+    EXPECT_EQ(unknown.status, 1);
 }
 
 TEST_F(Tftpserve, ACommandThatNoProcessIsThereForCannotBeStarted) {
