@@ -175,6 +175,35 @@ TEST(ItemJson, SaysAllThatIsKnown) {
     EXPECT_EQ(ToJson(Decode("", TypeList())), "{\"items\": []}\n");
 }
 
+TEST(ItemJson, EscapesWhatATextMayNotHold) {
+    const std::string json = ToJson(Decode(EncodeItem("\x1f \x7f~\"\\/", nullptr), TypeList()));
+    EXPECT_NE(json.find("\"text\": \"\\u001f \\u007f~\\\"\\\\/\""), std::string::npos) << json;
+}
+
+TEST(ItemJson, HasATextWhereAllOfItIsAscii) {
+    const std::string ascii = ToJson(Decode(EncodeItem("\x7f", nullptr), TypeList()));
+    EXPECT_NE(ascii.find("\"text\": "), std::string::npos) << ascii;
+    const std::string other = ToJson(Decode(EncodeItem("a\x80", nullptr), TypeList()));
+    EXPECT_EQ(other.find("\"text\": "), std::string::npos) << other;
+}
+
+TEST(ItemJson, MarksWhatReadsAsSomethingElse) {
+    EXPECT_EQ(ToJson(Decode("00003abc", Types({"counter"}))),
+              "{\"items\": [\n  {\"offset\": 0, \"length\": 3, \"type\": \"counter\", "
+              "\"value\": \"0\", \"differs\": true, \"text\": \"abc\", \"hex\": \"616263\"}\n]}\n");
+}
+
+TEST(ItemJson, MayHaveBlanksBetweenAllOfItsParts) {
+    const std::string blanks = " \t\r\n";
+    std::string json;
+    for (const char* part : {"{", "\"items\"", ":", "[",    "{", "\"text\"", ":", "\"a\"",
+                             ",", "\"type\"",  ":", "null", "}", ",",        "{", "\"value\"",
+                             ":", "-1.5e+9",   "}", "]",    "}"}) {
+        json += blanks + part;
+    }
+    EXPECT_EQ(EncodeJson(json + blanks), "00001a00007-1.5e+9");
+}
+
 TEST(ItemJson, ComesBackAsItWent) {
     const std::string payloads[] = {"", "eth0", "\n", std::string(1, '\0'), AllBytes(), "\"\\/\b"};
     std::string bytes;
@@ -240,11 +269,19 @@ TEST(ItemJson, ThatIsNoneIsRefused) {
     EXPECT_EQ(ProblemOfJson("[\"\\"), "JSON, byte 3: an unknown escape");
     EXPECT_EQ(ProblemOfJson("[\"\\u12\"]"), "JSON, byte 4: \\u takes four digits");
     EXPECT_EQ(ProblemOfJson("[\"\\udc00\"]"), "JSON, byte 8: half a character");
+    EXPECT_EQ(ProblemOfJson("[] q"), "JSON, byte 3: something follows the end");
     EXPECT_EQ(ProblemOfJson(std::string(100, '[')), "JSON, byte 17: too many levels");
+    std::string objects;
+    for (int i = 0; i < 100; ++i) objects += "{\"\":";
+    EXPECT_EQ(ProblemOfJson(objects), "JSON, byte 68: too many levels");
+    EXPECT_EQ(ProblemOfJson("{5: 5}"), "JSON, byte 1: the name of a member is missing");
+    EXPECT_EQ(ProblemOfJson("[5, 6}"), "JSON, byte 5: ']' is missing");
 }
 
 TEST(ItemJson, ThatSaysNoItemsIsRefused) {
     EXPECT_EQ(ProblemOfJson("{}"), "JSON: no \"items\"");
+    EXPECT_EQ(ProblemOfJson("{\"items\": {}}"), "JSON: no \"items\"");
+    EXPECT_EQ(ProblemOfJson("5"), "JSON: no \"items\"");
     EXPECT_EQ(ProblemOfJson("{\"items\": [], \"corrupt\": {}}"), "JSON: the buffer was corrupt");
     EXPECT_EQ(ProblemOfJson("[{\"text\": \"x\"}, 5]"), "item 2: is no object");
     EXPECT_EQ(ProblemOfJson("[{}]"), "item 1: has neither \"hex\" nor \"text\" nor \"value\"");
@@ -255,6 +292,7 @@ TEST(ItemJson, ThatSaysNoItemsIsRefused) {
     EXPECT_EQ(ProblemOfJson("[{\"value\": 5, \"type\": \"boolean\"}]"),
               "item 1: \"5\" is no boolean");
     EXPECT_EQ(ProblemOfJson("[{\"value\": []}]"), "item 1: \"value\" is neither text nor number");
+    EXPECT_EQ(ProblemOfJson("[{\"value\": {}}]"), "item 1: \"value\" is neither text nor number");
 }
 
 #ifdef TQITEMS
@@ -353,28 +391,65 @@ TEST_F(Tqitems, ComplainsOfAnOutputThatIsFull) {
     EXPECT_EQ(shown.status, 1);
 }
 
+TEST_F(Tqitems, ComplainsOfHelpThatCannotBeWritten) {
+    if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "no /dev/full here";
+    Program::Settings settings;
+    settings.prepare = [] { dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO); };
+    EXPECT_EQ(RunProgram(Built(TQITEMS, {"--help"}), settings).status, 1);
+}
+
+TEST_F(Tqitems, ReadsStandardInputWhereTheFileIsADash) {
+    const Program::Result shown = Run({"-jt", "string", "-"}, "00001x");
+    EXPECT_EQ(shown.output, ToJson(Decode("00001x", Types({"string"}))));
+    EXPECT_EQ(shown.errors, "");
+}
+
+const char usage[] = "usage: tqitems [-e] [-j] [-t TYPE,...] [FILE|-]\n";
+
 TEST_F(Tqitems, RefusesAWrongCommandLine) {
-    for (const std::vector<std::string>& words :
-         std::vector<std::vector<std::string>>{{"-x"},
-                                               {"one", "two"},
-                                               {"-t"},
-                                               {"-t", "string,date"},
-                                               {"-t", ""},
-                                               {"-ejt", "string"}}) {
+    const std::string tryHelp = usage + std::string("Try 'tqitems --help'.\n");
+    const std::string types =
+        "no type; there are string, number, counter, boolean, float, buffer\n";
+    const auto refused = [this](const std::vector<std::string>& words) {
         const Program::Result shown = Run(words);
         EXPECT_EQ(shown.status, 2);
         EXPECT_EQ(shown.output, "");
-        EXPECT_NE(shown.errors, "");
+        return shown.errors;
+    };
+    EXPECT_EQ(refused({"one", "two"}), tryHelp);
+    for (const char* word : {"-x", "-q", "-t", "--wrong"}) {
+        const std::string errors = refused({word});
+        EXPECT_GT(errors.size(), tryHelp.size()) << word;
+        EXPECT_EQ(errors.substr(errors.size() - tryHelp.size()), tryHelp) << word;
     }
+    EXPECT_EQ(refused({"-t", "string,date"}), "tqitems: date: " + types);
+    EXPECT_EQ(refused({"-t", ""}), "tqitems: : " + types);
+    EXPECT_EQ(refused({"-ejt", "string"}), "tqitems: -t: JSON says itself what its items are\n");
 }
 
 TEST_F(Tqitems, TellsItsVersionAndItsOptions) {
-    EXPECT_EQ(Run({"--version"}).output, "tqitems " TQITEMS_VERSION "\n");
-    const Program::Result help = Run({"--help"});
-    EXPECT_EQ(help.status, 0);
-    EXPECT_EQ(help.output.rfind("usage: tqitems ", 0), 0u);
-    for (const char* name : {"string", "number", "counter", "boolean", "float", "buffer"}) {
-        EXPECT_NE(help.output.find(name), std::string::npos) << name;
+    for (const char* word : {"--version", "-V"}) {
+        const Program::Result version = Run({word});
+        EXPECT_EQ(version.status, 0);
+        EXPECT_EQ(version.output, "tqitems " TQITEMS_VERSION "\n");
+    }
+    for (const char* word : {"--help", "-h"}) {
+        const Program::Result help = Run({word});
+        EXPECT_EQ(help.status, 0);
+        EXPECT_EQ(
+            help.output,
+            usage +
+                std::string("Shows the items of an encoded buffer: FILE, or standard input.\n"
+                            "\n"
+                            "  -e, --encode         the other way: encode each line into an item\n"
+                            "  -t, --types=TYPE,... what the items are, in order; begins anew at "
+                            "its end:\n"
+                            "                       string, number, counter, boolean, float, "
+                            "buffer\n"
+                            "  -j, --json           print JSON; with -e, read it\n"
+                            "  -h, --help           print this\n"
+                            "  -V, --version        print the version\n"));
+        EXPECT_EQ(help.errors, "");
     }
 }
 
