@@ -745,6 +745,13 @@ TEST_F(Tftpserve, ACommandThatNoProcessIsThereForCannotBeStarted) {
 
 #endif
 
+TEST_F(Tftpserve, NoStandardInputIsNeeded) {
+    const Program::Result result =
+        Run({"-n", directory.Path(), "true"}, [] { close(STDIN_FILENO); });
+    EXPECT_EQ(result.errors, "");
+    EXPECT_EQ(result.status, 0);
+}
+
 TEST_F(Tftpserve, TheCommandInheritsNoSocket) {
     const Program::Result result = Run({directory.Path(), "ls", "-l", "/proc/self/fd"});
     EXPECT_NE(result.output.find("pipe:"), std::string::npos);

@@ -107,6 +107,8 @@ TEST(Items, TellWhereTheBufferIsCorrupt) {
     EXPECT_EQ(ProblemOf(row + "00003ab"), "25: the item says 00003 bytes; bytes left: 2");
     EXPECT_EQ(ProblemOf("hel\x01o"),
               "0: an item begins with 5 digits; here is \"hel*o\" (68 65 6c 01 6f)");
+    EXPECT_EQ(ProblemOf("0001q"),
+              "0: an item begins with 5 digits; here is \"0001q\" (30 30 30 31 71)");
     EXPECT_EQ(Decode(row + "00", TypeList()).items.size(), 3u);
 }
 
@@ -159,6 +161,8 @@ TEST(ItemHex, IsReadInPairs) {
     EXPECT_TRUE(FromHex(ToHex(AllBytes(), " "), bytes));
     EXPECT_EQ(bytes, AllBytes());
     EXPECT_TRUE(FromHex("", bytes) && bytes.empty());
+    EXPECT_TRUE(FromHex(" 00  fF ", bytes));
+    EXPECT_EQ(bytes, std::string("\0\xff", 2));
     for (const char* wrong : {"0", "0g", "00 0", "0 0", "-1"}) {
         EXPECT_FALSE(FromHex(wrong, bytes)) << wrong;
         EXPECT_EQ(bytes, "");
@@ -333,6 +337,17 @@ TEST_F(Tqitems, PrintsLongPayloadsInRows) {
         "  offset  length  hex                                              text\n"
         "       0      18  61 62 63 64 65 66 67 68 69 6a 6b 6c 6d 6e 6f 70  abcdefghijklmnop\n"
         "                  0a 71                                            *q\n");
+}
+
+TEST_F(Tqitems, PrintsOneRowForEveryOtherPayload) {
+    EXPECT_EQ(
+        Run({}, "00016abcdefghijklmnop00000").output,
+        "  offset  length  hex                                              text\n"
+        "       0      16  61 62 63 64 65 66 67 68 69 6a 6b 6c 6d 6e 6f 70  abcdefghijklmnop\n"
+        "      21       0\n");
+    EXPECT_EQ(Run({"-t", "string"}, "00001a").output,
+              "  offset  length  type     hex                                              text\n"
+              "       0       1  string   61                                               a\n");
 }
 
 TEST_F(Tqitems, ReadsAFile) {
