@@ -205,6 +205,7 @@ TEST_F(TftpServerTest, AFileInAFolderThatMayOnlyBeSearchedIsServed) {
     WriteFile(directory.Path("sub/file"), "hello");
     ASSERT_EQ(chmod(directory.Path("sub").c_str(), 0111), 0);
     EXPECT_TRUE(IsAnswerWithoutCapabilities("sub/file", Data(1, "hello")));
+    ASSERT_EQ(chmod(directory.Path("sub").c_str(), 0755), 0);
 }
 
 TEST_F(TftpServerTest, OnlyReadRequestsInOctetModeAreServed) {
@@ -736,12 +737,14 @@ TEST_F(Tftpserve, ANetworkOfItsOwnThatCannotBeHadIsAnError) {
     EXPECT_EQ(unknown.status, 1);
 }
 
+#ifndef TQ_ADDRESS_SANITIZED  // which wants a process to look for leaks
 TEST_F(Tftpserve, ACommandThatNoProcessIsThereForCannotBeStarted) {
     const Program::Result result =
         Run({directory.Path(), "true"}, [] { Refuse(SYS_clone, EAGAIN); });
     EXPECT_EQ(result.errors, "tftpserve: Resource temporarily unavailable\n");
     EXPECT_EQ(result.status, 127);
 }
+#endif
 
 #endif
 
