@@ -89,7 +89,7 @@ int ServeCommand(TftpServer& server, char** command) {
     const pid_t id = Start(command, blocked);
     if (id < 0) {
         std::fprintf(stderr, "tftpserve: %s\n", std::strerror(errno));
-        return 1;
+        return 127;
     }
     int status = 0;
     int passedOn = 0;

@@ -107,6 +107,8 @@ TEST(Items, TellWhereTheBufferIsCorrupt) {
     EXPECT_EQ(ProblemOf(row + "00003ab"), "25: the item says 00003 bytes; bytes left: 2");
     EXPECT_EQ(ProblemOf("hel\x01o"),
               "0: an item begins with 5 digits; here is \"hel*o\" (68 65 6c 01 6f)");
+    EXPECT_EQ(ProblemOf("0001q"),
+              "0: an item begins with 5 digits; here is \"0001q\" (30 30 30 31 71)");
     EXPECT_EQ(Decode(row + "00", TypeList()).items.size(), 3u);
 }
 
@@ -159,6 +161,8 @@ TEST(ItemHex, IsReadInPairs) {
     EXPECT_TRUE(FromHex(ToHex(AllBytes(), " "), bytes));
     EXPECT_EQ(bytes, AllBytes());
     EXPECT_TRUE(FromHex("", bytes) && bytes.empty());
+    EXPECT_TRUE(FromHex(" 00  fF ", bytes));
+    EXPECT_EQ(bytes, std::string("\0\xff", 2));
     for (const char* wrong : {"0", "0g", "00 0", "0 0", "-1"}) {
         EXPECT_FALSE(FromHex(wrong, bytes)) << wrong;
         EXPECT_EQ(bytes, "");
@@ -173,6 +177,35 @@ TEST(ItemJson, SaysAllThatIsKnown) {
               "{\"items\": [\n  {\"offset\": 0, \"length\": 1, \"hex\": \"80\"}\n], \"corrupt\": "
               "{\"offset\": 6, \"problem\": \"an item begins with 5 digits; bytes left: 1\"}}\n");
     EXPECT_EQ(ToJson(Decode("", TypeList())), "{\"items\": []}\n");
+}
+
+TEST(ItemJson, EscapesWhatATextMayNotHold) {
+    const std::string json = ToJson(Decode(EncodeItem("\x1f \x7f~\"\\/", nullptr), TypeList()));
+    EXPECT_NE(json.find("\"text\": \"\\u001f \\u007f~\\\"\\\\/\""), std::string::npos) << json;
+}
+
+TEST(ItemJson, HasATextWhereAllOfItIsAscii) {
+    const std::string ascii = ToJson(Decode(EncodeItem("\x7f", nullptr), TypeList()));
+    EXPECT_NE(ascii.find("\"text\": "), std::string::npos) << ascii;
+    const std::string other = ToJson(Decode(EncodeItem("a\x80", nullptr), TypeList()));
+    EXPECT_EQ(other.find("\"text\": "), std::string::npos) << other;
+}
+
+TEST(ItemJson, MarksWhatReadsAsSomethingElse) {
+    EXPECT_EQ(ToJson(Decode("00003abc", Types({"counter"}))),
+              "{\"items\": [\n  {\"offset\": 0, \"length\": 3, \"type\": \"counter\", "
+              "\"value\": \"0\", \"differs\": true, \"text\": \"abc\", \"hex\": \"616263\"}\n]}\n");
+}
+
+TEST(ItemJson, MayHaveBlanksBetweenAllOfItsParts) {
+    const std::string blanks = " \t\r\n";
+    std::string json;
+    for (const char* part : {"{", "\"items\"", ":", "[",    "{", "\"text\"", ":", "\"a\"",
+                             ",", "\"type\"",  ":", "null", "}", ",",        "{", "\"value\"",
+                             ":", "-1.5e+9",   "}", "]",    "}"}) {
+        json += blanks + part;
+    }
+    EXPECT_EQ(EncodeJson(json + blanks), "00001a00007-1.5e+9");
 }
 
 TEST(ItemJson, ComesBackAsItWent) {
@@ -211,6 +244,23 @@ TEST(ItemJson, KnowsEveryEscape) {
               EncodeItem(std::string("\xf0\x9f\x98\x80\0", 5), nullptr));
 }
 
+TEST(ItemJson, TakesTheFirstAndTheLastCharacterOfEveryLength) {
+    EXPECT_EQ(EncodeJson("[{\"text\": \"\\u007f\\u0080\\u07ff\\u0800\\ud7ff\\ue000\\uffff\"}]"),
+              EncodeItem("\x7f\xc2\x80\xdf\xbf\xe0\xa0\x80\xed\x9f\xbf\xee\x80\x80\xef\xbf\xbf",
+                         nullptr));
+    EXPECT_EQ(
+        EncodeJson("[{\"text\": \"\\ud800\\udc00\\ud800\\udfff\\udbff\\udc00\\udbff\\udfff\"}]"),
+        EncodeItem("\xf0\x90\x80\x80\xf0\x90\x8f\xbf\xf4\x8f\xb0\x80\xf4\x8f\xbf\xbf", nullptr));
+}
+
+TEST(ItemJson, WithHalfACharacterIsRefused) {
+    for (const char* half : {"ud800", "ud800x", "ud800\\n", "udbff", "udc00\\ud800", "udc00\\udc00",
+                             "udfff", "ud800\\udbff", "ud800\\ue000"}) {
+        const std::string problem = ProblemOfJson(std::string("[\"\\") + half + "\"]");
+        EXPECT_NE(problem.find(": half a character"), std::string::npos) << half << ": " << problem;
+    }
+}
+
 TEST(ItemJson, ThatIsNoneIsRefused) {
     EXPECT_EQ(ProblemOfJson(""), "JSON, byte 0: a value is missing");
     EXPECT_EQ(ProblemOfJson("[] x"), "JSON, byte 3: something follows the end");
@@ -223,11 +273,19 @@ TEST(ItemJson, ThatIsNoneIsRefused) {
     EXPECT_EQ(ProblemOfJson("[\"\\"), "JSON, byte 3: an unknown escape");
     EXPECT_EQ(ProblemOfJson("[\"\\u12\"]"), "JSON, byte 4: \\u takes four digits");
     EXPECT_EQ(ProblemOfJson("[\"\\udc00\"]"), "JSON, byte 8: half a character");
+    EXPECT_EQ(ProblemOfJson("[] q"), "JSON, byte 3: something follows the end");
     EXPECT_EQ(ProblemOfJson(std::string(100, '[')), "JSON, byte 17: too many levels");
+    std::string objects;
+    for (int i = 0; i < 100; ++i) objects += "{\"\":";
+    EXPECT_EQ(ProblemOfJson(objects), "JSON, byte 68: too many levels");
+    EXPECT_EQ(ProblemOfJson("{5: 5}"), "JSON, byte 1: the name of a member is missing");
+    EXPECT_EQ(ProblemOfJson("[5, 6}"), "JSON, byte 5: ']' is missing");
 }
 
 TEST(ItemJson, ThatSaysNoItemsIsRefused) {
     EXPECT_EQ(ProblemOfJson("{}"), "JSON: no \"items\"");
+    EXPECT_EQ(ProblemOfJson("{\"items\": {}}"), "JSON: no \"items\"");
+    EXPECT_EQ(ProblemOfJson("5"), "JSON: no \"items\"");
     EXPECT_EQ(ProblemOfJson("{\"items\": [], \"corrupt\": {}}"), "JSON: the buffer was corrupt");
     EXPECT_EQ(ProblemOfJson("[{\"text\": \"x\"}, 5]"), "item 2: is no object");
     EXPECT_EQ(ProblemOfJson("[{}]"), "item 1: has neither \"hex\" nor \"text\" nor \"value\"");
@@ -238,6 +296,7 @@ TEST(ItemJson, ThatSaysNoItemsIsRefused) {
     EXPECT_EQ(ProblemOfJson("[{\"value\": 5, \"type\": \"boolean\"}]"),
               "item 1: \"5\" is no boolean");
     EXPECT_EQ(ProblemOfJson("[{\"value\": []}]"), "item 1: \"value\" is neither text nor number");
+    EXPECT_EQ(ProblemOfJson("[{\"value\": {}}]"), "item 1: \"value\" is neither text nor number");
 }
 
 #ifdef TQITEMS
@@ -278,6 +337,17 @@ TEST_F(Tqitems, PrintsLongPayloadsInRows) {
         "  offset  length  hex                                              text\n"
         "       0      18  61 62 63 64 65 66 67 68 69 6a 6b 6c 6d 6e 6f 70  abcdefghijklmnop\n"
         "                  0a 71                                            *q\n");
+}
+
+TEST_F(Tqitems, PrintsOneRowForEveryOtherPayload) {
+    EXPECT_EQ(
+        Run({}, "00016abcdefghijklmnop00000").output,
+        "  offset  length  hex                                              text\n"
+        "       0      16  61 62 63 64 65 66 67 68 69 6a 6b 6c 6d 6e 6f 70  abcdefghijklmnop\n"
+        "      21       0\n");
+    EXPECT_EQ(Run({"-t", "string"}, "00001a").output,
+              "  offset  length  type     hex                                              text\n"
+              "       0       1  string   61                                               a\n");
 }
 
 TEST_F(Tqitems, ReadsAFile) {
@@ -336,28 +406,65 @@ TEST_F(Tqitems, ComplainsOfAnOutputThatIsFull) {
     EXPECT_EQ(shown.status, 1);
 }
 
+TEST_F(Tqitems, ComplainsOfHelpThatCannotBeWritten) {
+    if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "no /dev/full here";
+    Program::Settings settings;
+    settings.prepare = [] { dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO); };
+    EXPECT_EQ(RunProgram(Built(TQITEMS, {"--help"}), settings).status, 1);
+}
+
+TEST_F(Tqitems, ReadsStandardInputWhereTheFileIsADash) {
+    const Program::Result shown = Run({"-jt", "string", "-"}, "00001x");
+    EXPECT_EQ(shown.output, ToJson(Decode("00001x", Types({"string"}))));
+    EXPECT_EQ(shown.errors, "");
+}
+
+const char usage[] = "usage: tqitems [-e] [-j] [-t TYPE,...] [FILE|-]\n";
+
 TEST_F(Tqitems, RefusesAWrongCommandLine) {
-    for (const std::vector<std::string>& words :
-         std::vector<std::vector<std::string>>{{"-x"},
-                                               {"one", "two"},
-                                               {"-t"},
-                                               {"-t", "string,date"},
-                                               {"-t", ""},
-                                               {"-ejt", "string"}}) {
+    const std::string tryHelp = usage + std::string("Try 'tqitems --help'.\n");
+    const std::string types =
+        "no type; there are string, number, counter, boolean, float, buffer\n";
+    const auto refused = [this](const std::vector<std::string>& words) {
         const Program::Result shown = Run(words);
         EXPECT_EQ(shown.status, 2);
         EXPECT_EQ(shown.output, "");
-        EXPECT_NE(shown.errors, "");
+        return shown.errors;
+    };
+    EXPECT_EQ(refused({"one", "two"}), tryHelp);
+    for (const char* word : {"-x", "-q", "-t", "--wrong"}) {
+        const std::string errors = refused({word});
+        EXPECT_GT(errors.size(), tryHelp.size()) << word;
+        EXPECT_EQ(errors.substr(errors.size() - tryHelp.size()), tryHelp) << word;
     }
+    EXPECT_EQ(refused({"-t", "string,date"}), "tqitems: date: " + types);
+    EXPECT_EQ(refused({"-t", ""}), "tqitems: : " + types);
+    EXPECT_EQ(refused({"-ejt", "string"}), "tqitems: -t: JSON says itself what its items are\n");
 }
 
 TEST_F(Tqitems, TellsItsVersionAndItsOptions) {
-    EXPECT_EQ(Run({"--version"}).output, "tqitems " TQITEMS_VERSION "\n");
-    const Program::Result help = Run({"--help"});
-    EXPECT_EQ(help.status, 0);
-    EXPECT_EQ(help.output.rfind("usage: tqitems ", 0), 0u);
-    for (const char* name : {"string", "number", "counter", "boolean", "float", "buffer"}) {
-        EXPECT_NE(help.output.find(name), std::string::npos) << name;
+    for (const char* word : {"--version", "-V"}) {
+        const Program::Result version = Run({word});
+        EXPECT_EQ(version.status, 0);
+        EXPECT_EQ(version.output, "tqitems " TQITEMS_VERSION "\n");
+    }
+    for (const char* word : {"--help", "-h"}) {
+        const Program::Result help = Run({word});
+        EXPECT_EQ(help.status, 0);
+        EXPECT_EQ(
+            help.output,
+            usage +
+                std::string("Shows the items of an encoded buffer: FILE, or standard input.\n"
+                            "\n"
+                            "  -e, --encode         the other way: encode each line into an item\n"
+                            "  -t, --types=TYPE,... what the items are, in order; begins anew at "
+                            "its end:\n"
+                            "                       string, number, counter, boolean, float, "
+                            "buffer\n"
+                            "  -j, --json           print JSON; with -e, read it\n"
+                            "  -h, --help           print this\n"
+                            "  -V, --version        print the version\n"));
+        EXPECT_EQ(help.errors, "");
     }
 }
 
