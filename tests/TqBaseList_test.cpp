@@ -9,6 +9,7 @@
 
 #include "Objects.h"
 #include "Reports.h"
+#include "SystemCalls.h"
 
 namespace {
 
@@ -513,6 +514,15 @@ TEST(TqBaseList, DestructorForgetsTheArrayInTheMemory) {
     EXPECT_EQ(list.Left(&TqBaseList::slots), nullptr);
     EXPECT_EQ(list.Left(&TqBaseList::self), nullptr);
     EXPECT_EQ(list.Left(&TqBaseList::seqNum), 0u);
+}
+
+TEST(TqBaseList, DestructorGivesTheArrayBack) {
+    const int blocks = LiveBlocks();
+    {
+        TqBaseList list;
+        Append(list, {p});
+    }
+    EXPECT_EQ(LiveBlocks(), blocks);
 }
 
 TEST(TqBaseList, NeverTouchesItsItems) {

@@ -8,6 +8,7 @@
 #include <new>
 
 #include "Reports.h"
+#include "SystemCalls.h"
 #include "TqNumber.h"
 #include "TqString.h"
 #include "Values.h"
@@ -497,6 +498,18 @@ TEST(TqBuffer, PutAtTheLengthOfAFullBlockStoresInTheBlock) {
     }
 }
 
+TEST(TqBuffer, ABlockHasOneByteMoreThanItsCapacityForPutAt) {
+    const unsigned char bytes[100] = {};
+    WatchMemory(101);
+    const TqBuffer constructed(bytes, 100), copied(constructed);
+    TqBuffer appended;
+    appended.Append(bytes, 100);
+    if (heapIsWatched) {
+        EXPECT_EQ(WatchedBlocks(), 3);
+    }
+    WatchMemory(0);
+}
+
 TEST(TqBuffer, PutAtTheLengthOfAFullInsideStoresNothing) {
     struct {
         TqBuffer full;
@@ -785,6 +798,16 @@ TEST(TqBuffer, ToBufferTakesExactlyTheRoomItNeeds) {
     EXPECT_EQ(Held(block), BytesInBlock(65, "00060" + Letters(60)));
     BufferOf("x").ToBuffer(block);
     EXPECT_EQ(Held(block), BytesInBlock(71, "00060" + Letters(60) + "00001x"));
+}
+
+TEST(TqBuffer, AnItemBehindAShortBlockKeepsWhatIsThere) {
+    for (unsigned int length = 50; length < 64; ++length) {
+        TqBuffer longer = BufferOf(Letters(100));
+        longer.TruncateAfter(length);
+        TqBuffer out(longer);
+        TqString(Letters(20).c_str()).ToBuffer(out);
+        EXPECT_EQ(Held(out), BytesInBlock(length + 25, Letters(length) + "00020" + Letters(20)));
+    }
 }
 
 TEST(TqBuffer, ABufferCanBeWrittenIntoItself) {

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <type_traits>
 #include <vector>
 
 #include "Reports.h"
@@ -11,6 +12,8 @@
 #include "TqMakeRef.h"
 
 namespace {
+
+static_assert(!std::is_copy_assignable<TqCallableCb>::value, "");
 
 TEST(TqCallableCb, CallsALambdaWithTheSourceAndTheData) {
     TqBaseObject source;

@@ -988,6 +988,18 @@ TEST(TqString, TrimsTouchNothingOutsideTheObject) {
     EXPECT_EQ(s->data[s->length], '\0');
 }
 
+TEST(TqString, TrimLeadingStaysInsideTheArea) {
+    const LastPage page;
+    char* const place = page.End() - sizeof(TqString);
+    std::memset(place, ' ', sizeof(TqString));
+    TqString* const s = new (place) TqString(Letters(100).c_str());
+    char* const behind = s->internalData + sizeof s->internalData;
+    std::memset(s->internalData, ' ', sizeof s->internalData);
+    s->TrimLeadingWS();
+    EXPECT_EQ(std::string(behind, page.End()).find_first_not_of(' '), std::string::npos);
+    s->~TqString();
+}
+
 // The byte behind the array is a derived class's own where that fits into the padding.
 struct Followed : TqString {
     char behind = ' ';

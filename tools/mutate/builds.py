@@ -57,8 +57,9 @@ class Build:
                 target = line.split(':')[0]
             elif target in self.compiling:
                 name = os.path.relpath(os.path.join(self.folder, line.strip()), self.root)
-                objects.setdefault(name, []).append(target)
-        return objects
+                # A header may be included by more than one path.
+                objects.setdefault(name, {})[target] = True
+        return {name: list(targets) for name, targets in objects.items()}
 
     def _link_command(self, program):
         path = os.path.realpath(os.path.join(self.folder, program))

@@ -25,9 +25,9 @@ def try_change(build, change, pieces):
     """What became of it, and the tests that noticed it."""
     try:
         build.make(change)
-        noticing = suite.first_to_notice(build.tests, pieces)
+        noticing, word = suite.first_to_notice(build.tests, pieces)
         if noticing is not None:
-            return ['noticed', noticing.file, noticing.tests]
+            return [word, noticing.file, noticing.tests]
         isSame = change.file.endswith('.cpp') and build.is_the_same(change)
         return ['the same' if isSame else 'missed', None, None]
     except DoesNotBuild:

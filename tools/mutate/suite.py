@@ -118,20 +118,22 @@ def measured(program, file, tests):
 
 
 def first_to_notice(program, pieces):
-    """Runs the pieces until one fails twice or takes too long. Returns that, or None."""
+    """Runs the pieces until one fails twice or takes too long. Returns that and which it does, or
+    two times None."""
     found = []
     isOver = threading.Event()
 
-    def fails(piece):
+    def outcome_of(piece):
         result = passes_within(piece.seconds, program, piece.tests, '--gtest_fail_fast')
         if result is not False or isOver.is_set():
-            return result is None
+            return result
         # By chance, it may be.
-        return passes_within(piece.seconds, program, piece.tests, '--gtest_fail_fast') is not True
+        return passes_within(piece.seconds, program, piece.tests, '--gtest_fail_fast')
 
     def run(piece):
-        if not isOver.is_set() and fails(piece) and not isOver.is_set():
-            found.append(piece)
+        outcome = True if isOver.is_set() else outcome_of(piece)
+        if outcome is not True and not isOver.is_set():
+            found.append((piece, 'noticed' if outcome is False else 'too long'))
             isOver.set()
 
     # One after the other is quicker where the first ones notice.
@@ -145,4 +147,4 @@ def first_to_notice(program, pieces):
             time.sleep(0.02)
     end_all_others()
     forget_ended()
-    return found[0] if found else None
+    return found[0] if found else (None, None)
