@@ -679,6 +679,8 @@ TEST_F(Tftpserve, WithoutACommandItServesUntilItIsEnded) {
         dup2(held[1], STDOUT_FILENO);
         Become(Built(TFTPSERVE, {directory.Path()}));
     }));
+    close(held[1]);
+    held[1] = -1;
     const std::string serving = "serving " + directory.Path() + " at 127.0.0.1:69\n";
     ASSERT_EQ(Told(serving.size()), serving);
     for (int i = 0; i < 2; ++i) {
@@ -691,6 +693,7 @@ TEST_F(Tftpserve, WithoutACommandItServesUntilItIsEnded) {
     }
     kill(child->Id(), SIGTERM);
     EXPECT_EQ(WTERMSIG(Status()), SIGTERM);
+    EXPECT_EQ(Told(1), "");
 }
 
 TEST_F(Tftpserve, APortThatIsTakenIsAnErrorButNotInANetworkOfItsOwn) {
