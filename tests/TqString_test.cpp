@@ -632,6 +632,16 @@ TEST(TqString, AppendCounterAppendsTheDigits) {
     }
 }
 
+TEST(TqString, AppendCounterTellsEveryPowerOfTenFromTheNumberBelow) {
+    for (unsigned int below = 9; below < 1000000000; below = below * 10 + 9) {
+        TqString s;
+        s.AppendCounter(below);
+        s.AppendChar(' ');
+        s.AppendCounter(below + 1);
+        EXPECT_EQ(s.data, std::to_string(below) + " " + std::to_string(below + 1));
+    }
+}
+
 TEST(TqString, AppendNumberAppendsTheDigitsWithAMinusSign) {
     struct {
         int value;
