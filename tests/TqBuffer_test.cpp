@@ -162,6 +162,19 @@ TEST(TqBuffer, DestructionForgetsTheBlock) {
     EXPECT_EQ(left, nullptr);
 }
 
+TEST(TqBuffer, GivesEveryBlockBack) {
+    const unsigned char bytes[100] = {};
+    const int blocks = LiveBlocks();
+    {
+        TqBuffer buffer(bytes, 100);
+        buffer.Insert(bytes, 1, 0);
+        buffer = TqBuffer(bytes, 70);
+        buffer.Clear();
+        buffer.Append(bytes, 100);
+    }
+    EXPECT_EQ(LiveBlocks(), blocks);
+}
+
 TEST(TqBuffer, ClearGivesTheBlockBack) {
     TqBuffer b = BufferOf(Letters(100));
     b.AdvanceReadContext(10);

@@ -9,6 +9,7 @@
 
 #include "Random.h"
 #include "Reports.h"
+#include "SystemCalls.h"
 #include "TqBuffer.h"
 #include "TqString.h"
 #include "Values.h"
@@ -402,6 +403,20 @@ TEST(TqSnmpOid, ResetEmptiesReturnsInsideAndZeroes) {
     for (unsigned int value : oid.internalValues) EXPECT_EQ(value, 0u);
 }
 
+TEST(TqSnmpOid, GivesEveryBlockBack) {
+    const unsigned long few[] = {1, 3, 6};
+    const int blocks = LiveBlocks();
+    {
+        TqSnmpOid oid = Counting(20);
+        oid.SetValues(few, 3);
+        oid.Append(Counting(20));
+        oid.Assignment(Counting(60));
+        oid.Reset();
+        oid.Append(Counting(20));
+    }
+    EXPECT_EQ(LiveBlocks(), blocks);
+}
+
 TEST(TqSnmpOid, ResetZeroesAnIdentifierThatIsHeldInside) {
     TqSnmpOid oid = Counting(16);
     oid.Reset();
@@ -534,6 +549,14 @@ TEST(TqSnmpOid, SubtreesDifferByEachOfTheirValues) {
         EXPECT_EQ(oid.IsDorvane(), i == 7) << i;
         EXPECT_FALSE(oid.IsMalvick()) << i;
     }
+}
+
+TEST(TqSnmpOid, AShortenedIdentifierIsNotInTheSubtreesThatItWasIn) {
+    TqSnmpOid oid("1.3.6.1.4.1.61999.1");
+    oid.FromString("1.3.6.1.4.1.61999");
+    EXPECT_FALSE(oid.IsMalvick());
+    oid.FromString("1.3.6.1.4.1");
+    EXPECT_FALSE(oid.IsDorvane());
 }
 
 int Compared(const char* a, const char* b) {

@@ -12,6 +12,7 @@
 
 #include "LastPage.h"
 #include "Reports.h"
+#include "SystemCalls.h"
 #include "TqBuffer.h"
 #include "TqNumber.h"
 #include "Values.h"
@@ -410,6 +411,22 @@ TEST(TqString, TheStringPlusItself) {
 
 // Emptying.
 
+TEST(TqString, GivesEveryBlockBack) {
+    const char text[] = "A text of more characters than the object itself has room for";
+    const int blocks = LiveBlocks();
+    {
+        TqString string("a");
+        string = text;
+        string.AppendChar('#');
+        string += text;
+        string.SetValue(string.data + 1, 40);
+        string.Assignment(TqString(text) + text);
+        string.Clear();
+        string.FromString(text);
+    }
+    EXPECT_EQ(LiveBlocks(), blocks);
+}
+
 TEST(TqString, ClearGivesTheBlockBack) {
     TqString s(Letters(100).c_str());
     s.Clear();
@@ -612,6 +629,16 @@ TEST(TqString, AppendCounterAppendsTheDigits) {
         TqString s("n=");
         s.AppendCounter(c.value);
         EXPECT_EQ(Held(s), HeldInside(Exactly("n=") + c.digits));
+    }
+}
+
+TEST(TqString, AppendCounterTellsEveryPowerOfTenFromTheNumberBelow) {
+    for (unsigned int below = 9; below < 1000000000; below = below * 10 + 9) {
+        TqString s;
+        s.AppendCounter(below);
+        s.AppendChar(' ');
+        s.AppendCounter(below + 1);
+        EXPECT_EQ(s.data, std::to_string(below) + " " + std::to_string(below + 1));
     }
 }
 
@@ -1040,6 +1067,17 @@ TEST(TqString, ALengthSetBeyondTheStorageReachesNothingOutsideIt) {
     EXPECT_EQ(Held(assigned), HeldInBlock(91, Letters(36) + Repeated(54, '\0')));
     block.Empty();
     EXPECT_EQ(Held(block), HeldInBlock(37, ""));
+}
+
+TEST(TqString, ACopyReadsNothingBehindAStorageThatTheLengthExceeds) {
+    const LastPage page;
+    TqString s;
+    s.data = page.End() - sizeof "abc";
+    std::memcpy(s.data, "abc", sizeof "abc");
+    s.capacity = sizeof "abc";
+    s.length = 60;
+    EXPECT_EQ(Held(TqString(s)), HeldInBlock(61, "abc" + Repeated(57, '\0')));
+    s.data = s.internalData;
 }
 
 TEST(TqString, AStringShortenedByItsLengthIsAddedToItself) {
