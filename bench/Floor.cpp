@@ -70,6 +70,16 @@ void StatedNumber::ToString(StatedString& out) const {
     out.AppendNumber(Value());
 }
 
+void StatedNumber::FromString(const char* text) {
+    const bool isNegative = *text == '-';
+    if (isNegative || *text == '+') ++text;
+    value = 0;
+    for (; *text >= '0' && *text <= '9'; ++text) {
+        value = value * 10 + static_cast<unsigned int>(*text - '0');
+    }
+    if (isNegative) value = 0 - value;
+}
+
 StatedObject::StatedObject() : self(this) {}
 
 StatedObject::~StatedObject() {

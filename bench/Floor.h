@@ -52,6 +52,8 @@ public:
     virtual ~StatedNumber();
     virtual unsigned int Value() const;
     virtual void ToString(StatedString& out) const;
+    /// A sign, and digits up to what is none.
+    virtual void FromString(const char* text);
 
     unsigned int value;
 };

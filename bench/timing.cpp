@@ -57,13 +57,17 @@ public:
     std::vector<double> nanoseconds;
 
 private:
-    // The first call warms up: memory, caches, symbols that are bound late.
+    // The first call warms up: memory, caches, symbols that are bound late. What disturbs one of
+    // two measures hardly disturbs the other.
     void Calibrate() {
         double spent = TimeOf(work, 1);
-        if (spent > longTime) tookLong = spent;
-        while (spent < batchNanoseconds / 4 && times < 1u << 28) {
-            times *= 2;
-            spent = TimeOf(work, times);
+        if (spent > longTime) {
+            tookLong = spent;
+            return;
+        }
+        for (;; times *= 2) {
+            spent = std::min(TimeOf(work, times), TimeOf(work, times));
+            if (spent >= batchNanoseconds / 4 || times >= 1u << 28) break;
         }
         times = std::max(1u, static_cast<unsigned int>(times * batchNanoseconds / spent));
     }

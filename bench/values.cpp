@@ -56,9 +56,10 @@ const RegisterDuty numberOutStd("number_out", "snprintf", [](unsigned int size) 
 
 const char numberText[] = "1234567";
 
-const RegisterDuty numberInOwn("number_in", ownName, [](unsigned int size) -> Work {
+template <class Number>
+Work NumberFromText(unsigned int size) {
     return [size](unsigned int times) {
-        TqNumber number;
+        Number number(0);
         for (; times > 0; --times) {
             for (unsigned int i = 0; i < size; ++i) {
                 number.FromString(Opaque(numberText));
@@ -66,7 +67,10 @@ const RegisterDuty numberInOwn("number_in", ownName, [](unsigned int size) -> Wo
             }
         }
     };
-});
+}
+
+const RegisterDuty numberInOwn("number_in", ownName, NumberFromText<TqNumber>);
+const RegisterDuty numberInStated("number_in", floorName, NumberFromText<StatedNumber>);
 
 const RegisterDuty numberInStd("number_in", "strtol", [](unsigned int size) -> Work {
     return [size](unsigned int times) {
