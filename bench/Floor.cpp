@@ -26,7 +26,7 @@ void StatedString::Reserve(std::size_t count) {
     capacity = 32;
     length = static_cast<unsigned int>(count);
     if (count > 31) {
-        data = static_cast<char*>(std::malloc(count + 1));
+        data = static_cast<char*>(Found(std::malloc(count + 1)));
         capacity = length + 1;
     }
 }
@@ -52,10 +52,10 @@ void StatedString::AppendNumber(unsigned int value) {
 void StatedString::Grow() {
     capacity = (length + 17) / 16 * 16;
     if (data != inside) {
-        data = static_cast<char*>(std::realloc(data, capacity));
+        data = static_cast<char*>(Found(std::realloc(data, capacity)));
         return;
     }
-    data = static_cast<char*>(std::malloc(capacity));
+    data = static_cast<char*>(Found(std::malloc(capacity)));
     std::memcpy(data, inside, sizeof inside);
 }
 
@@ -121,18 +121,24 @@ __attribute__((noinline)) void StatedHandle::Take(StatedObject* taken) {
 }
 
 StatedList::StatedList()
-    : capacity(16), count(0), slots(static_cast<void**>(std::malloc(Size()))) {}
+    : capacity(16),
+      count(0),
+      slots(static_cast<void**>(Found(std::malloc(Size())))),
+      walkDepth(0) {
+    slots[0] = nullptr;
+}
 
 StatedList::~StatedList() {
+    ReportIf(walkDepth != 0, __LINE__);
     std::free(slots);
+    slots = nullptr;
+    asm volatile("" : : "r"(this) : "memory");
 }
 
 __attribute__((noinline)) void StatedList::Grow() {
     capacity += 16;
-    slots = static_cast<void**>(std::realloc(slots, Size()));
+    slots = static_cast<void**>(Found(std::realloc(slots, Size())));
 }
-
-StatedCallback::~StatedCallback() = default;
 
 void StatedCallback::Invoke(void* source, void* data) {
     if (function != nullptr) function(this, source, data);

@@ -18,6 +18,12 @@ inline void ReportIf(bool broken, int line) {
     if (__builtin_expect(broken, 0)) TqCallAssert("Floor", line);
 }
 
+/// Where memory ends, so does the process.
+inline void* Found(void* block) {
+    if (__builtin_expect(block == nullptr, 0)) std::abort();
+    return block;
+}
+
 /// The storage of a string: an area of 33 bytes inside, cleared, and a block for what is longer,
 /// which grows to multiples of 16.
 class StatedString {
@@ -113,13 +119,12 @@ private:
     mutable TqLinuxMutex mutex;
 };
 
-/// An array that grows by 16 entries, holds no null, and whose items move on their own.
-class StatedList {
+/// An object with an array that grows by 16 entries, has a null before the items and none among
+/// them, and whose items move on their own.
+class StatedList : public StatedObject {
 public:
     StatedList();
-    StatedList(const StatedList&) = delete;
-    StatedList& operator=(const StatedList&) = delete;
-    virtual ~StatedList();
+    ~StatedList() override;
 
     void Insert(unsigned int index, void* inserted) {
         if (__builtin_expect(inserted == nullptr, 0)) {
@@ -144,17 +149,18 @@ public:
     unsigned int capacity;
     unsigned int count;
     void** slots;
+    unsigned int walkDepth;
 
 private:
     std::size_t Size() const { return (std::size_t(capacity) + 1) * sizeof(void*); }
     void Grow();
 };
 
-/// Calls a function where there is one.
-class StatedCallback {
+/// An object that calls a function where there is one.
+class StatedCallback : public StatedObject {
 public:
     explicit StatedCallback(void (*called)(StatedCallback*, void*, void*)) : function(called) {}
-    virtual ~StatedCallback();
+    StatedCallback(const StatedCallback& other) : function(other.function) {}
     virtual void Invoke(void* source, void* data);
 
 private:

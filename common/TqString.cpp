@@ -49,13 +49,13 @@ TQ_ALWAYS_INLINE bool HasZeroByte(Word word) {
 // What is known of a text and a count of its characters.
 enum Extent {
     promised,  // there may be fewer: nothing behind the first NUL is read
-    held,      // there are as many, NULs perhaps among them
+    held,      // there are as many and one behind, NULs perhaps among them
     measured   // there are as many, and none is a NUL
 };
 
 // Applications set fields by hand: a length that the storage cannot have is only a promise.
 Extent ExtentOf(const TqString& string) {
-    return string.length <= string.capacity ? held : promised;
+    return string.length < string.capacity ? held : promised;
 }
 
 // How many characters of the storage may be other than NUL.
@@ -149,28 +149,41 @@ void CopyText(char* to, const char* text, unsigned int count) {
 // have the wide registers of large processors.
 const bool copiesInOnePass = sizeof(Word) == 4;
 
-// The old block, if there is one, stays the caller's: the text may lie there. Kept out of the
-// constructors, in which short texts would pay for its variables.
-__attribute__((noinline)) void TakeNewBlock(TqString& string, const char* text, unsigned int count,
-                                            Extent extent) {
+// Whether it is known, or quickly told, that the text has no NUL.
+TQ_ALWAYS_INLINE bool IsWhole(const char* text, unsigned int count, Extent extent) {
+    if (extent == held && !copiesInOnePass) {
+        return text[count] == '\0' && std::strlen(text) == count;
+    }
+    return extent == measured;
+}
+
+// The old block, if there is one, stays the caller's: the text may lie there. These are kept out of
+// the constructors, in which short texts would pay for their variables.
+
+__attribute__((noinline)) char* NewBlock(TqString& string, unsigned int count) {
     char* block = static_cast<char*>(TqAllocate(std::size_t(count) + 1));
     // Not before: what is told that there is no memory may throw.
     string.data = block;
     string.length = count;
     string.capacity = count + 1;
-    if (extent == promised) {
-        CopyText(block, text, count);
-        return;
-    }
-    if (extent == held && copiesInOnePass) {
-        CopyAndFill(block, text, count, extent, count);
-        return;
-    }
+    return block;
+}
+
+TQ_ALWAYS_INLINE void TakeWholeText(TqString& string, const char* text, unsigned int count) {
+    char* block = NewBlock(string, count);
     block[count] = '\0';
     std::memcpy(block, text, count);
-    if (extent == measured) return;
-    const std::size_t used = std::strlen(block);
-    if (used < count) std::memset(block + used, 0, count - used);
+}
+
+__attribute__((noinline)) void TakeText(TqString& string, const char* text, unsigned int count,
+                                        Extent extent) {
+    if (extent == measured) {
+        TakeWholeText(string, text, count);
+    } else if (extent == held && copiesInOnePass) {
+        CopyAndFill(NewBlock(string, count), text, count, extent, count);
+    } else {
+        CopyText(NewBlock(string, count), text, count);
+    }
 }
 
 // What the constructors share: the storage is chosen from nothing.
@@ -178,7 +191,11 @@ TQ_ALWAYS_INLINE void Construct(TqString& string, const char* text, unsigned int
                                 Extent extent) {
     ZeroInside(string);
     if (count > constructedInside) {
-        TakeNewBlock(string, text, count, extent);
+        if (IsWhole(text, count, extent)) {
+            TakeWholeText(string, text, count);
+        } else {
+            TakeText(string, text, count, extent);
+        }
         return;
     }
     if (extent == measured) {
@@ -196,7 +213,7 @@ TQ_ALWAYS_INLINE void Construct(TqString& string, const char* text, unsigned int
 void Assign(TqString& string, const char* text, unsigned int count, Extent extent) {
     if (count >= string.capacity) {
         char* old = IsInternal(string) ? nullptr : string.data;
-        TakeNewBlock(string, text, count, extent);
+        TakeText(string, text, count, extent);
         std::free(old);
         return;
     }
@@ -223,7 +240,7 @@ void Set(TqString& string, const char* text, unsigned int count, Extent extent) 
     string.Clear();
     if (text == nullptr || count == 0) return;
     if (count > internalCapacity) {
-        TakeNewBlock(string, text, count, extent);
+        TakeText(string, text, count, extent);
         return;
     }
     CopyAndFill(string.internalData, text, count, extent, count);
