@@ -112,8 +112,8 @@ __attribute__((noinline)) void StatedHandle::Take(StatedObject* taken) {
     }
     if (taken != object) {
         const unsigned int newStamp = taken == nullptr ? 0 : taken->stamp;
-        if (taken != nullptr) StatedObject::Count(taken, newStamp);
-        if (object != nullptr) StatedObject::Uncount(object, stamp);
+        StatedObject::Count(taken, newStamp);
+        StatedObject::Uncount(object, stamp);
         stamp = newStamp;
         object = taken;
     }

@@ -73,6 +73,7 @@ public:
     virtual ~StatedObject();
 
     static void Count(StatedObject* object, unsigned int stamp) {
+        if (object == nullptr) return;
         object->Check(stamp);
         ReportIf(object->mutex.Lock() != 0, __LINE__);
         ++object->count;
@@ -80,6 +81,7 @@ public:
     }
 
     static void Uncount(StatedObject* object, unsigned int stamp) {
+        if (object == nullptr) return;
         object->Check(stamp);
         ReportIf(object->mutex.Lock() != 0, __LINE__);
         const bool last = --object->count == 0;

@@ -149,41 +149,41 @@ void CopyText(char* to, const char* text, unsigned int count) {
 // have the wide registers of large processors.
 const bool copiesInOnePass = sizeof(Word) == 4;
 
-// Whether it is known, or quickly told, that the text has no NUL.
-TQ_ALWAYS_INLINE bool IsWhole(const char* text, unsigned int count, Extent extent) {
-    if (extent == held && !copiesInOnePass) {
-        return text[count] == '\0' && std::strlen(text) == count;
-    }
-    return extent == measured;
-}
-
-// The old block, if there is one, stays the caller's: the text may lie there. These are kept out of
-// the constructors, in which short texts would pay for their variables.
-
-__attribute__((noinline)) char* NewBlock(TqString& string, unsigned int count) {
+// The old block, if there is one, stays the caller's: the text may lie there.
+TQ_ALWAYS_INLINE void FillNewBlock(TqString& string, const char* text, unsigned int count,
+                                   Extent extent) {
     char* block = static_cast<char*>(TqAllocate(std::size_t(count) + 1));
     // Not before: what is told that there is no memory may throw.
     string.data = block;
     string.length = count;
     string.capacity = count + 1;
-    return block;
+    if (extent == measured) {
+        block[count] = '\0';
+        std::memcpy(block, text, count);
+    } else if (extent == held && copiesInOnePass) {
+        CopyAndFill(block, text, count, extent, count);
+    } else {
+        CopyText(block, text, count);
+    }
 }
 
-TQ_ALWAYS_INLINE void TakeWholeText(TqString& string, const char* text, unsigned int count) {
-    char* block = NewBlock(string, count);
-    block[count] = '\0';
-    std::memcpy(block, text, count);
-}
+// Kept out of the constructors, in which short texts would pay for their variables.
 
 __attribute__((noinline)) void TakeText(TqString& string, const char* text, unsigned int count,
                                         Extent extent) {
-    if (extent == measured) {
-        TakeWholeText(string, text, count);
-    } else if (extent == held && copiesInOnePass) {
-        CopyAndFill(NewBlock(string, count), text, count, extent, count);
-    } else {
-        CopyText(NewBlock(string, count), text, count);
-    }
+    FillNewBlock(string, text, count, extent);
+}
+
+__attribute__((noinline)) void TakeWholeText(TqString& string, const char* text,
+                                             unsigned int count) {
+    FillNewBlock(string, text, count, measured);
+}
+
+// Whether a long text takes the way of its own that large processors have for those without a NUL.
+TQ_ALWAYS_INLINE bool IsTakenWhole(const char* text, unsigned int count, Extent extent) {
+    if (copiesInOnePass) return false;
+    if (extent == held) return text[count] == '\0' && std::strlen(text) == count;
+    return extent == measured;
 }
 
 // What the constructors share: the storage is chosen from nothing.
@@ -191,7 +191,7 @@ TQ_ALWAYS_INLINE void Construct(TqString& string, const char* text, unsigned int
                                 Extent extent) {
     ZeroInside(string);
     if (count > constructedInside) {
-        if (IsWhole(text, count, extent)) {
+        if (IsTakenWhole(text, count, extent)) {
             TakeWholeText(string, text, count);
         } else {
             TakeText(string, text, count, extent);
