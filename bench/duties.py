@@ -41,6 +41,9 @@ DUTIES = [
     Duty("sorted", 65535, 64, "65,535 strings added to a sorted list", {"a loop of strcmp": 0.6}),
 ]
 
+# What takes seconds.
+SLOW = ("sorted",)
+
 # The duties whose cost is drawn over their size, with the size's meaning.
 GROWTH = {
     "count": "objects", "handle": "objects", "object": "objects alive at once",

@@ -9,6 +9,7 @@
 #include "Json.h"
 #include "Program.h"
 #include "Reports.h"
+#include "Scale.h"
 #include "TqFloat.h"
 #include "TqWrite.h"
 
@@ -395,6 +396,22 @@ TEST_F(Tqitems, ComplainsOfAFileThatItCannotRead) {
     EXPECT_EQ(shown.errors, "tqitems: no\\n: No such file or directory\n");
     EXPECT_EQ(shown.status, 1);
     EXPECT_EQ(Run({"."}).status, 1);
+}
+
+TEST_F(Tqitems, ReadsNoMoreThan256MiB) {
+    if (runsSlowly) GTEST_SKIP() << "so much takes too long here";
+    const std::string large = directory.Path("large");
+    WriteFile(large, "");
+    // With nothing in it, so that no room is taken.
+    ASSERT_EQ(truncate(large.c_str(), 256 << 20), 0);
+    const Program::Result all = Run({"large"});
+    EXPECT_EQ(all.errors.substr(0, 36), "tqitems: large: corrupt at offset 0:");
+    EXPECT_EQ(all.status, 3);
+
+    ASSERT_EQ(truncate(large.c_str(), (256 << 20) + 1), 0);
+    const Program::Result more = Run({"large"});
+    EXPECT_EQ(more.errors, "tqitems: large: more than 256 MiB\n");
+    EXPECT_EQ(more.status, 1);
 }
 
 TEST_F(Tqitems, ComplainsOfAnOutputThatIsFull) {
