@@ -76,7 +76,7 @@ TqParse(const char*, Value&, const char** = nullptr) {
     static_assert(sizeof(Value) == 0,
                   "TqParse takes int, unsigned int, bool, float, and the values that have a text "
                   "form which can be wrong");
-    return false;
+    return false;  // never compiled
 }
 
 /// Takes a text piece by piece, from its beginning. What does not fit is not taken.

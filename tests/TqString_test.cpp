@@ -1080,6 +1080,18 @@ TEST(TqString, ACopyReadsNothingBehindAStorageThatTheLengthExceeds) {
     s.data = s.internalData;
 }
 
+TEST(TqString, ACopyReadsNothingBehindAStorageThatTheTextFills) {
+    const LastPage page;
+    const std::string text = Letters(40);
+    TqString s;
+    s.data = page.End() - text.size();
+    std::memcpy(s.data, text.data(), text.size());
+    s.capacity = 40;
+    s.length = 40;
+    EXPECT_EQ(Held(TqString(s)), HeldInBlock(41, text));
+    s.data = s.internalData;
+}
+
 TEST(TqString, AStringShortenedByItsLengthIsAddedToItself) {
     TqString s("abcdefgh");
     s.length = 2;
