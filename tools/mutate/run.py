@@ -115,9 +115,9 @@ class Suite:
         folder = os.path.dirname(changed)
         if file.startswith((READS_SOURCES, *LONG)):
             return False
-        if folder == 'common':
+        if folder in ('common', 'common/internal'):
             return not file.startswith(ABOVE)
-        if folder == 'comfort':
+        if folder in ('comfort', 'comfort/internal'):
             with open(file, encoding='utf-8') as text:
                 return file.startswith('tools/tqfetch') or stem_of(changed) in text.read()
         return os.path.dirname(file) == folder or folder == 'tools/loopback'
