@@ -99,6 +99,7 @@ TEST_F(TqListWalkOver, ACopyCountsUntilItGoes) {
         EXPECT_EQ(list.walkDepth, 1u);
         copy = walk;
         EXPECT_EQ(list.walkDepth, 2u);
+        EXPECT_EQ(*copy, &numbers[0]);
         auto& same = copy;
         copy = same;
         EXPECT_EQ(list.walkDepth, 2u);
