@@ -121,10 +121,7 @@ __attribute__((noinline)) void StatedHandle::Take(StatedObject* taken) {
 }
 
 StatedList::StatedList()
-    : capacity(16),
-      count(0),
-      slots(static_cast<void**>(Found(std::malloc(Size())))),
-      walkDepth(0) {
+    : capacity(16), count(0), slots(static_cast<void**>(Found(std::malloc(Size())))), walkDepth(0) {
     slots[0] = nullptr;
 }
 

@@ -42,9 +42,9 @@ double Median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-// Takes what lies free among the blocks of the start, so that the blocks of a duty lie together: far
-// apart, a field of one that was stored to may delay the reading of another, as both lie in the same
-// place of their pages.
+// Takes what lies free among the blocks of the start, so that the blocks of a duty lie together:
+// far apart, a field of one that was stored to may delay the reading of another, as both lie in the
+// same place of their pages.
 void FillHeap() {
     static std::vector<std::unique_ptr<char[]>> blocks;
     for (std::size_t size = 8; size <= 1024; size += 16) {

@@ -1092,6 +1092,12 @@ TEST(TqString, ACopyReadsNothingBehindAStorageThatTheTextFills) {
     s.data = s.internalData;
 }
 
+TEST(TqString, ACopyOfALongStringShortenedByItsLengthEndsThere) {
+    TqString s(Letters(60).c_str());
+    s.length = 50;
+    EXPECT_EQ(Held(TqString(s)), HeldInBlock(51, Letters(60).substr(0, 50)));
+}
+
 TEST(TqString, AStringShortenedByItsLengthIsAddedToItself) {
     TqString s("abcdefgh");
     s.length = 2;
