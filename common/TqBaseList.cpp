@@ -9,7 +9,7 @@
 
 namespace {
 
-const char sourceName[] = "TqBaseList";
+TQ_REPORTS_APART_AS("TqBaseList")
 
 // Fixed, whatever `allocInc` says, which applications set to sizes of their own time. Growth by a
 // step and not by a factor: lists on the device are short and memory is scarce.
@@ -97,7 +97,7 @@ void TqBaseList::RemoveAllItems() {
 
 void TqBaseList::ReplaceSlot(unsigned int index, void* item) {
     if (item == nullptr) {
-        TqCallAssert(sourceName, __LINE__);
+        Report(__LINE__);
         return;
     }
     slots[index] = item;

@@ -6,7 +6,7 @@
 
 namespace {
 
-const char sourceName[] = "TqBaseObject";
+TQ_REPORTS_APART_AS("TqBaseObject")
 
 }  // namespace
 

@@ -5,14 +5,14 @@
 
 namespace {
 
-const char sourceName[] = "TqBasePtrList";
+TQ_REPORTS_AS("TqBasePtrList")
 
 }  // namespace
 
 TqBasePtrList::TqBasePtrList() {}
 
 TqBasePtrList::TqBasePtrList(const TqBasePtrList& other) : TqBaseList(other) {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
 }
 
 TqBasePtrList& TqBasePtrList::operator=(const TqBasePtrList& other) {

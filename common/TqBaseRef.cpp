@@ -7,7 +7,7 @@
 
 namespace {
 
-const char sourceName[] = "TqBaseRef";
+TQ_REPORTS_APART_AS("TqBaseRef")
 
 const short ownTypeId = 8;
 
@@ -81,19 +81,19 @@ short TqBaseRef::TypeId() const {
 }
 
 void TqBaseRef::ToString(TqString&) const {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
 }
 
 void TqBaseRef::FromString(const char*) {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
 }
 
 void TqBaseRef::ToBuffer(TqBuffer&) const {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
 }
 
 void TqBaseRef::FromBuffer(TqBuffer&) {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
 }
 
 int TqBaseRef::Compare(const TqDataType& other) const {

@@ -5,7 +5,7 @@
 
 namespace {
 
-const char sourceName[] = "TqBaseRefList";
+TQ_REPORTS_APART_AS("TqBaseRefList")
 
 void Lock(const TqBaseRefList& list) TQ_TAKES(list.listMutex) {
     TQ_REPORT_IF(list.listMutex.Lock() != 0);

@@ -5,7 +5,7 @@
 
 namespace {
 
-const char sourceName[] = "TqBoolean";
+TQ_REPORTS_AS("TqBoolean")
 
 const short ownTypeId = 4;
 

@@ -12,7 +12,7 @@
 
 namespace {
 
-const char sourceName[] = "TqBuffer";
+TQ_REPORTS_APART_AS("TqBuffer")
 
 const short ownTypeId = 6;
 
@@ -76,7 +76,7 @@ bool EndsBeyond(unsigned int position, unsigned int count, unsigned int limit) {
 
 // What is not just digits is taken as strtol does: leading blanks and a sign are fine, anything
 // else ends the number. A negative length turns into one that no buffer holds.
-unsigned int ParseUnusualLength(const unsigned char* digits) {
+__attribute__((noinline)) unsigned int ParseUnusualLength(const unsigned char* digits) {
     char text[tqItemDigits + 1];
     std::memcpy(text, digits, tqItemDigits);
     text[tqItemDigits] = '\0';
@@ -85,9 +85,12 @@ unsigned int ParseUnusualLength(const unsigned char* digits) {
 
 unsigned int ParseLength(const unsigned char* digits) {
     unsigned int length = 0;
+// Also where all else is built for size: whatever is read comes by here.
+#pragma GCC unroll 5
     for (unsigned int i = 0; i < tqItemDigits; ++i) {
-        if (digits[i] < '0' || digits[i] > '9') return ParseUnusualLength(digits);
-        length = length * 10 + digits[i] - '0';
+        const unsigned int digit = TqDigitOf(static_cast<char>(digits[i]));
+        if (digit > 9) return ParseUnusualLength(digits);
+        length = length * 10 + digit;
     }
     return length;
 }
@@ -160,7 +163,7 @@ void TqBuffer::Clear() {
 
 void TqBuffer::Append(const unsigned char* bytes, unsigned int count) {
     if (bytes == nullptr) {
-        TqCallAssert(sourceName, __LINE__);
+        Report(__LINE__);
         return;
     }
     const bool ownBytes = TqLiesIn(bytes, data, StorageSize(*this));
@@ -172,7 +175,7 @@ void TqBuffer::Append(const unsigned char* bytes, unsigned int count) {
 
 void TqBuffer::Insert(const unsigned char* bytes, unsigned int count, unsigned int position) {
     if (bytes == nullptr) {
-        TqCallAssert(sourceName, __LINE__);
+        Report(__LINE__);
         return;
     }
     if (count == 0) return;
@@ -194,7 +197,7 @@ void TqBuffer::Insert(const unsigned char* bytes, unsigned int count, unsigned i
 
 unsigned char TqBuffer::operator[](unsigned int index) const {
     if (index >= length) {
-        TqCallAssert(sourceName, __LINE__);
+        Report(__LINE__);
         return 0;
     }
     return data[index];
@@ -211,7 +214,7 @@ void TqBuffer::PutAt(unsigned int index, unsigned char byte) {
 
 bool TqBuffer::Write(const unsigned char* bytes, unsigned int count, unsigned int position) {
     if (EndsBeyond(position, count, length)) {
-        TqCallAssert(sourceName, __LINE__);
+        Report(__LINE__);
         return false;
     }
     // A write that ends exactly at the length is done and reported: applications take the report
@@ -223,7 +226,7 @@ bool TqBuffer::Write(const unsigned char* bytes, unsigned int count, unsigned in
 
 bool TqBuffer::Read(unsigned char* destination, unsigned int count, unsigned int position) const {
     if (EndsBeyond(position, count, length)) {
-        TqCallAssert(sourceName, __LINE__);
+        Report(__LINE__);
         return false;
     }
     TqCopyBytes(destination, data + position, count);
@@ -237,7 +240,7 @@ void TqBuffer::TruncateAfter(unsigned int count) {
 
 unsigned char* TqBuffer::AdvanceReadContext(unsigned int count) {
     if (count > BytesLeft(*this)) {
-        TqCallAssert(sourceName, __LINE__);
+        Report(__LINE__);
         return nullptr;
     }
     readPosition += count;
@@ -259,7 +262,7 @@ void TqBuffer::ToString(TqString& out) const {
 }
 
 void TqBuffer::FromString(const char*) {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
 }
 
 void TqBuffer::ToBuffer(TqBuffer& out) const {
@@ -277,7 +280,7 @@ void TqBuffer::FromBuffer(TqBuffer& in) {
 
 int TqBuffer::Compare(const TqDataType& other) const {
     if (TypeId() != other.TypeId()) {
-        TqCallAssert(sourceName, __LINE__);
+        Report(__LINE__);
         return -1;
     }
     const TqBuffer& buffer = TqTakenAs<TqBuffer>(other);
@@ -290,7 +293,7 @@ int TqBuffer::Compare(const TqDataType& other) const {
 
 bool TqBuffer::Equals(const TqDataType* other) const {
     if (other == nullptr || TypeId() != other->TypeId()) {
-        TqCallAssert(sourceName, __LINE__);
+        Report(__LINE__);
         return false;
     }
     const TqBuffer& buffer = TqTakenAs<TqBuffer>(*other);
@@ -309,27 +312,35 @@ void TqWriteItem(TqBuffer& out, unsigned int statedLength, const void* payload,
     // is corrupt then; payloads are limited to 99999 bytes.
     while (statedLength > 99999) statedLength /= 10;
     // In one piece: digits and payload are moved to a larger block once, not twice, and the block
-    // has the size that one append of both would give it.
-    TqMakeRoom(out, tqItemDigits + count);
-    // Room for the digits there is even when that sum has wrapped around.
-    TqMakeRoom(out, tqItemDigits);
+    // has the size that one append of both would give it. Where that sum wraps around there is room
+    // for the digits all the same.
+    const unsigned int size = tqItemDigits + count;
+    TqMakeRoom(out, size > count ? size : tqItemDigits);
     unsigned char* digits = out.data + out.length;
     digits[0] = static_cast<unsigned char>('0' + statedLength / 10000);
     TqPutPair(digits + 1, statedLength / 100 % 100);
     TqPutPair(digits + 3, statedLength % 100);
     out.length += tqItemDigits;
-    out.Append(static_cast<const unsigned char*>(payload), count);
+    if (payload == nullptr || out.capacity - out.length < count) {
+        out.Append(static_cast<const unsigned char*>(payload), count);
+        return;
+    }
+    TqCopyBytes(out.data + out.length, payload, count);
+    out.length += count;
 }
 
 TqItemPayload TqReadItem(TqBuffer& in) {
-    const TqItemPayload none = {nullptr, 0};
-    const unsigned char* digits = in.data + in.readPosition;
-    const unsigned char* payload = in.AdvanceReadContext(tqItemDigits);
-    if (payload != nullptr) {
-        const unsigned int count = ParseLength(digits);
-        if (in.AdvanceReadContext(count) != nullptr) return {payload, count};
+    if (BytesLeft(in) >= tqItemDigits) {
+        const unsigned int count = ParseLength(in.data + in.readPosition);
+        in.readPosition += tqItemDigits;
+        if (count <= BytesLeft(in)) {
+            const TqItemPayload payload = {in.data + in.readPosition, count};
+            in.readPosition += count;
+            return payload;
+        }
     }
+    Report(__LINE__);
     // What is left is used up: a loop that reads until the buffer is empty must come to its end.
     in.readPosition = in.length;
-    return none;
+    return {nullptr, 0};
 }

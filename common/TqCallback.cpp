@@ -5,7 +5,7 @@
 
 namespace {
 
-const char sourceName[] = "TqCallback";
+TQ_REPORTS_AS("TqCallback")
 
 }  // namespace
 
@@ -18,7 +18,7 @@ TqCallback::TqCallback(const TqCallback& other) : TqBaseObject(), userData(other
 // A callback in a chain is known by its address; giving it another's data would change whom it
 // tells.
 TqCallback& TqCallback::operator=(const TqCallback&) {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
     return *this;
 }
 

@@ -4,7 +4,7 @@
 
 namespace {
 
-const char sourceName[] = "TqCallbackChain";
+TQ_REPORTS_AS("TqCallbackChain")
 
 }  // namespace
 
@@ -12,11 +12,11 @@ TqCallbackChain::TqCallbackChain() {}
 
 // Empty, and not the shallow copy of its base: two chains would tell the same callbacks twice.
 TqCallbackChain::TqCallbackChain(const TqCallbackChain&) : TqPtrList<TqCallback>() {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
 }
 
 TqCallbackChain& TqCallbackChain::operator=(const TqCallbackChain&) {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
     return *this;
 }
 

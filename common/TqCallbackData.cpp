@@ -4,18 +4,18 @@
 
 namespace {
 
-const char sourceName[] = "TqCallbackData";
+TQ_REPORTS_AS("TqCallbackData")
 
 }  // namespace
 
 TqCallbackData::TqCallbackData() {}
 
 TqCallbackData::TqCallbackData(const TqCallbackData&) : TqBaseObject() {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
 }
 
 TqCallbackData& TqCallbackData::operator=(const TqCallbackData&) {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
     return *this;
 }
 

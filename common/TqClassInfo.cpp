@@ -5,7 +5,7 @@
 
 namespace {
 
-const char sourceName[] = "TqClassInfo";
+TQ_REPORTS_AS("TqClassInfo")
 
 }  // namespace
 
@@ -16,11 +16,11 @@ TqClassInfo::TqClassInfo(const char* className, TqBaseObject* (*factory)(), TqCl
 
 TqClassInfo::TqClassInfo(const TqClassInfo&)
     : TqBaseObject(), createFunc(nullptr), parent(nullptr) {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
 }
 
 TqClassInfo& TqClassInfo::operator=(const TqClassInfo&) {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
     return *this;
 }
 

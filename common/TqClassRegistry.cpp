@@ -10,7 +10,7 @@
 
 namespace {
 
-const char sourceName[] = "TqClassRegistry";
+TQ_REPORTS_AS("TqClassRegistry")
 
 typedef TqRefList<TqClassInfo> ClassList;
 
@@ -66,11 +66,11 @@ TqClassRegistry* TqClassRegistry::theRegistry = nullptr;
 TqClassRegistry::TqClassRegistry() {}
 
 TqClassRegistry::TqClassRegistry(const TqClassRegistry&) : TqBaseObject() {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
 }
 
 TqClassRegistry& TqClassRegistry::operator=(const TqClassRegistry&) {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
     return *this;
 }
 

@@ -5,7 +5,7 @@
 
 namespace {
 
-const char sourceName[] = "TqCounter";
+TQ_REPORTS_AS("TqCounter")
 
 const short ownTypeId = 3;
 

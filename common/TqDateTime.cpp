@@ -6,7 +6,7 @@
 
 namespace {
 
-const char sourceName[] = "TqDateTime";
+TQ_REPORTS_APART_AS("TqDateTime")
 
 const short ownTypeId = 10;
 
@@ -27,7 +27,7 @@ TqDateTime::TqDateTime(const tm* t) : time() {
 // Takes nothing over: programs know a date that was copied, where it should have been assigned, by
 // its zeros.
 TqDateTime::TqDateTime(const TqDateTime& other) : TqDataType(other), time() {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
 }
 
 TqDateTime::~TqDateTime() {}
@@ -82,24 +82,24 @@ void TqDateTime::ToString(TqString& out) const {
 }
 
 void TqDateTime::FromString(const char*) {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
 }
 
 void TqDateTime::ToBuffer(TqBuffer&) const {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
 }
 
 void TqDateTime::FromBuffer(TqBuffer&) {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
 }
 
 int TqDateTime::Compare(const TqDataType&) const {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
     return 0;
 }
 
 bool TqDateTime::Equals(const TqDataType*) const {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
     return false;
 }
 

@@ -7,7 +7,7 @@
 
 namespace {
 
-const char sourceName[] = "TqFile";
+TQ_REPORTS_AS("TqFile")
 
 // One for all files, so that reading lines allocates nothing on a device of little memory.
 char line[1024];
@@ -42,12 +42,12 @@ TqFile::TqFile() : openMode(-1), stream(nullptr), fileState(fileUnknown) {}
 // A state that no other file has: applications know a copy by it.
 TqFile::TqFile(const TqFile& other)
     : TqBaseObject(other), openMode(-1), stream(nullptr), fileState(-1) {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
 }
 
 TqFile& TqFile::operator=(const TqFile& other) {
     TqBaseObject::operator=(other);
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
     return *this;
 }
 

@@ -8,7 +8,7 @@
 
 namespace {
 
-const char sourceName[] = "TqFloat";
+TQ_REPORTS_AS("TqFloat")
 
 const short ownTypeId = 5;
 

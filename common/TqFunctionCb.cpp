@@ -4,7 +4,7 @@
 
 namespace {
 
-const char sourceName[] = "TqFunctionCb";
+TQ_REPORTS_AS("TqFunctionCb")
 
 }  // namespace
 
@@ -18,7 +18,7 @@ TqFunctionCb::TqFunctionCb(const TqFunctionCb& other)
 TqFunctionCb& TqFunctionCb::operator=(const TqFunctionCb& other) {
     // The base reports as well: a hook sees which of the two was meant.
     TqCallback::operator=(other);
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
     return *this;
 }
 

@@ -6,8 +6,6 @@
 
 namespace {
 
-const char sourceName[] = "TqHooks";
-
 const int exitStatusWithoutHook = 999;
 
 // Plain pointers, without a lock: they are set at start-up, and a report must get through from
@@ -40,7 +38,7 @@ void TqCallAssert(const char* file, int line) {
 }
 
 void TqMemoryHasEnded() {
-    TqCallAssert(sourceName, __LINE__);
+    TqCallAssert("TqHooks", __LINE__);
     std::abort();
 }
 

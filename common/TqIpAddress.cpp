@@ -3,6 +3,7 @@
 #include <cctype>
 
 #include "TqString.h"
+#include "internal/TqAppending.h"
 #include "internal/TqDigits.h"
 
 namespace {
@@ -27,6 +28,14 @@ unsigned int ReadDigits(const char*& text, unsigned int most) {
         number = number > (most - digit) / 10 ? most : number * 10 + digit;
     }
     return number;
+}
+
+// Writes a field, at most 255, and returns where it ends.
+char* PutField(char* to, unsigned int field) {
+    if (field >= 100) *to++ = static_cast<char>('0' + field / 100);
+    if (field >= 10) *to++ = static_cast<char>('0' + field / 10 % 10);
+    *to++ = static_cast<char>('0' + field % 10);
+    return to;
 }
 
 // Reads what "%hd" reads where a long has 32 bits: a number outside of them is the nearest one
@@ -103,10 +112,13 @@ void TqIpAddress::toString(TqString& out) const {
         out = "0.0.0.0";
         return;
     }
+    char* const begin = TqPlaceFor(out, sizeof "255.255.255.255" - 1);
+    char* end = begin;
     for (int shift = 24; shift >= 0; shift -= 8) {
-        if (shift != 24) out.AppendChar('.');
-        out.AppendNumber(static_cast<int>(address >> shift & 0xFF));
+        if (shift != 24) *end++ = '.';
+        end = PutField(end, address >> shift & 0xFF);
     }
+    TqCountAppended(out, static_cast<unsigned int>(end - begin));
 }
 
 TqIpAddress::operator unsigned long() const {

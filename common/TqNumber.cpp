@@ -9,7 +9,7 @@
 
 namespace {
 
-const char sourceName[] = "TqNumber";
+TQ_REPORTS_AS("TqNumber")
 
 const short ownTypeId = 2;
 
@@ -78,7 +78,7 @@ void TqNumber::ToBuffer(TqBuffer& out) const {
     // By the virtual ToString, so that counters and booleans write their own text.
     TqString text;
     ToString(text);
-    text.ToBuffer(out);
+    TqWriteItem(out, text.length, text.data, text.length);
 }
 
 void TqNumber::FromBuffer(TqBuffer& in) {

@@ -9,7 +9,7 @@
 
 namespace {
 
-const char sourceName[] = "TqSnmpOid";
+TQ_REPORTS_APART_AS("TqSnmpOid")
 
 const unsigned int dorvaneSubtree[] = {1, 3, 6, 1, 4, 1, 61999};
 const unsigned int malvickSubtree[] = {1, 3, 6, 1, 4, 1, 61999, 1};
@@ -75,12 +75,6 @@ void Parse(TqSnmpOid& oid, const char* text) {
 __attribute__((noinline, cold)) short FirstTypeId() {
     TqDataType::NextId(&TqSnmpOid::typeId);
     return TqSnmpOid::typeId;
-}
-
-// Finding the name takes instructions where code runs anywhere, which the compiler puts at the
-// beginning of a comparison, for every caller to wait for.
-__attribute__((noinline, cold)) void ReportOtherType(int line) {
-    TqCallAssert(sourceName, line);
 }
 
 template <unsigned int count>
@@ -225,7 +219,7 @@ void TqSnmpOid::ToBuffer(TqBuffer&) const {}
 void TqSnmpOid::FromBuffer(TqBuffer&) {}
 
 int TqSnmpOid::Compare(const TqDataType& other) const {
-    if (other.TypeId() != TypeId()) ReportOtherType(__LINE__);
+    TQ_REPORT_IF(other.TypeId() != TypeId());
     const TqSnmpOid& oid = TqTakenAs<TqSnmpOid>(other);
     const unsigned int shorter = count < oid.count ? count : oid.count;
     const unsigned int i = FirstDifference(values, oid.values, shorter);
@@ -235,7 +229,7 @@ int TqSnmpOid::Compare(const TqDataType& other) const {
 
 bool TqSnmpOid::Equals(const TqDataType* other) const {
     if (other == nullptr) return false;
-    if (other->TypeId() != TypeId()) ReportOtherType(__LINE__);
+    TQ_REPORT_IF(other->TypeId() != TypeId());
     const TqSnmpOid& oid = TqTakenAs<TqSnmpOid>(*other);
     if (count != oid.count) return false;
     // From the end: identifiers of one agent begin alike.

@@ -6,7 +6,7 @@
 
 namespace {
 
-const char sourceName[] = "TqSortedStringList";
+TQ_REPORTS_AS("TqSortedStringList")
 
 TqString* StringIn(const TqSortedStringList& list, unsigned int index) {
     return static_cast<TqString*>(list.slots[index]);
@@ -42,7 +42,7 @@ unsigned int PlaceOf(const TqString& s, const TqSortedStringList& list) {
 TqSortedStringList::TqSortedStringList() {}
 
 TqSortedStringList::TqSortedStringList(const TqSortedStringList& other) : TqBaseList(other) {
-    TqCallAssert(sourceName, __LINE__);
+    Report(__LINE__);
 }
 
 TqSortedStringList& TqSortedStringList::operator=(const TqSortedStringList& other) {

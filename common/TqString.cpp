@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "internal/TqAppending.h"
 #include "internal/TqDigits.h"
 #include "internal/TqItem.h"
 #include "internal/TqMemory.h"
@@ -13,7 +14,7 @@
 
 namespace {
 
-const char sourceName[] = "TqString";
+TQ_REPORTS_AS("TqString")
 
 const short ownTypeId = 1;
 
@@ -266,18 +267,12 @@ void Grow(TqString& string, unsigned int length) {
     string.capacity = capacity;
 }
 
-// Makes room for `count` more characters and returns where they go.
-char* PlaceFor(TqString& string, unsigned int count) {
+}  // namespace
+
+char* TqPlaceFor(TqString& string, unsigned int count) {
     Grow(string, string.length + count);
     return string.data + string.length;
 }
-
-void CountAppended(TqString& string, unsigned int count) {
-    string.length += count;
-    string.data[string.length] = '\0';
-}
-
-}  // namespace
 
 const char tqDigitPairs[] =
     "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
@@ -339,8 +334,8 @@ TqString& TqString::operator+=(const char* text) {
         Grow(*this, length + count);
         text = data + offset;
     }
-    std::memmove(PlaceFor(*this, count), text, count);
-    CountAppended(*this, count);
+    std::memmove(TqPlaceFor(*this, count), text, count);
+    TqCountAppended(*this, count);
     return *this;
 }
 

@@ -10,11 +10,22 @@
 #include "../TqDataType.h"
 #include "../TqHooks.h"
 
-/// Reports a broken precondition and goes on. The source that uses it names itself in `sourceName`,
-/// so that a report carries no path of the machine that built the library.
-#define TQ_REPORT_IF(broken)                                                     \
-    do {                                                                         \
-        if (__builtin_expect(!!(broken), 0)) TqCallAssert(sourceName, __LINE__); \
+/// Says whom a source's reports are from, and makes `Report`, which gives them the line. A name and
+/// no `__FILE__`: a report carries no path of the machine that built the library.
+#define TQ_REPORTS_AS(name)                       \
+    __attribute__((cold)) void Report(int line) { \
+        TqCallAssert(name, line);                 \
+    }
+
+/// The same, for a source that may report in many places or in quick ones. Finding the name takes
+/// instructions where code runs anywhere, which the compiler otherwise puts at the beginning of
+/// whatever may report, for every caller to wait for.
+#define TQ_REPORTS_APART_AS(name) __attribute__((noinline)) TQ_REPORTS_AS(name)
+
+/// Reports a broken precondition and goes on.
+#define TQ_REPORT_IF(broken)          \
+    do {                              \
+        if (broken) Report(__LINE__); \
     } while (0)
 
 // Every value's destructor ends with this one, which does nothing: a call would take as long as the
