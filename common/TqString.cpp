@@ -69,11 +69,17 @@ unsigned int UsedPart(const TqString& string) {
 void ZeroShortArea(char* area, unsigned int count) {
     const Word zero = 0;
     const unsigned int size = sizeof zero;
-    if (count < size) {
+    const unsigned int half = size / 2;
+    if (count < half) {
         for (; count > 0; --count) *area++ = '\0';
         return;
     }
-    // The last word may lie over the one before it.
+    // The last piece may lie over the one before it.
+    if (count < size) {
+        std::memcpy(area, &zero, half);
+        std::memcpy(area + count - half, &zero, half);
+        return;
+    }
     const unsigned int last = count - size;
     for (unsigned int i = 0; i < last; i += size) std::memcpy(area + i, &zero, size);
     std::memcpy(area + last, &zero, size);
