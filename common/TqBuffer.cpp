@@ -330,8 +330,9 @@ void TqWriteItem(TqBuffer& out, unsigned int statedLength, const void* payload,
 }
 
 TqItemPayload TqReadItem(TqBuffer& in) {
-    if (BytesLeft(in) >= tqItemDigits) {
-        const unsigned int count = ParseLength(in.data + in.readPosition);
+    unsigned int count = tqItemDigits;
+    if (count <= BytesLeft(in)) {
+        count = ParseLength(in.data + in.readPosition);
         in.readPosition += tqItemDigits;
         if (count <= BytesLeft(in)) {
             const TqItemPayload payload = {in.data + in.readPosition, count};
@@ -339,7 +340,8 @@ TqItemPayload TqReadItem(TqBuffer& in) {
             return payload;
         }
     }
-    Report(__LINE__);
+    // Which it cannot, and reports.
+    in.AdvanceReadContext(count);
     // What is left is used up: a loop that reads until the buffer is empty must come to its end.
     in.readPosition = in.length;
     return {nullptr, 0};
