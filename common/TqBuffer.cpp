@@ -321,8 +321,8 @@ void TqWriteItem(TqBuffer& out, unsigned int statedLength, const void* payload,
     TqPutPair(digits + 1, statedLength / 100 % 100);
     TqPutPair(digits + 3, statedLength % 100);
     out.length += tqItemDigits;
-    if (payload == nullptr || out.capacity - out.length < count) {
-        out.Append(static_cast<const unsigned char*>(payload), count);
+    if (payload == nullptr) {
+        Report(__LINE__);
         return;
     }
     TqCopyBytes(out.data + out.length, payload, count);

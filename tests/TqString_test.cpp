@@ -1125,6 +1125,24 @@ TEST(TqString, ToBufferAppendsTheItem) {
     EXPECT_EQ(Bytes(buffer), "before00001x");
 }
 
+// The digits are written before the buffer asks for the bytes, and it moves to a block for both.
+TEST(TqString, ToBufferOfMissingCharactersWritesTheLengthAloneAndIsReported) {
+    for (unsigned int length : {3u, 0u, 0xFFFFFFFFu, 0xFFFFFFFBu}) {
+        TqString string;
+        string.data = nullptr;
+        string.length = length;
+        TqBuffer buffer = BufferOf(std::string(62, 'x'));
+        string.ToBuffer(buffer);
+        EXPECT_EQ(TakeReports(), Reports({"TqBuffer"}));
+        ASSERT_EQ(buffer.length, 67u);
+        const std::string digits = std::to_string(length);
+        const std::string stated =
+            std::string(digits.size() < 5 ? 5 - digits.size() : 0, '0') + digits.substr(0, 5);
+        EXPECT_EQ(Bytes(buffer).substr(62), stated);
+        EXPECT_EQ(buffer.capacity, length == 3 ? 70u : 67u);
+    }
+}
+
 TEST(TqString, ToBufferStatesTheTypesOwnLengthAndWritesTheCountedCharacters) {
     Watched s("abc");
     s.lengthError = 9;
