@@ -122,13 +122,13 @@ private:
 };
 
 /// An object with an array that grows by 16 entries, has a null before the items and none among
-/// them, and whose items move on their own.
+/// them, and whose items move on their own. Lists that derive from it override what changes it.
 class StatedList : public StatedObject {
 public:
     StatedList();
     ~StatedList() override;
 
-    void Insert(unsigned int index, void* inserted) {
+    virtual void Insert(unsigned int index, void* inserted) {
         if (__builtin_expect(inserted == nullptr, 0)) {
             ReportIf(true, __LINE__);
             return;
@@ -141,7 +141,7 @@ public:
         slots[index] = inserted;
     }
 
-    void Remove(unsigned int index) {
+    virtual void Remove(unsigned int index) {
         if (index != count) {
             std::memmove(slots + index, slots + index + 1, (count - index) * sizeof(void*));
         }
