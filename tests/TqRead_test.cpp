@@ -64,6 +64,17 @@ TEST(TqRead, DoesNotTakeALengthThatIsNotFiveDigits) {
     }
 }
 
+TEST(TqRead, TakesLengthsOfAllDigits) {
+    for (std::size_t length : {0u, 9u, 90u, 98u, 9876u, 12345u, 90909u}) {
+        const std::string written(length, 'x');
+        TqBuffer buffer;
+        TqWrite(buffer, written.c_str());
+        TqString text("before");
+        EXPECT_TRUE(TqRead(buffer, text)) << length;
+        EXPECT_EQ(text.data, written);
+    }
+}
+
 TEST(TqRead, DoesNotReadBehindTheEndOfABufferWhosePositionIsBeyondIt) {
     TqBuffer buffer = BufferOf("000011");
     buffer.readPosition = 7;
