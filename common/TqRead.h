@@ -24,8 +24,6 @@ template <class... Values>
 inline bool TqRead(TqBuffer& in, Values&... values);
 
 /// Whether `count` items stand at the read position of `in`.
-inline bool TqHasItems(const TqBuffer& in, unsigned int count);
-
 inline bool TqHasItems(const TqBuffer& in, unsigned int count) {
     const unsigned int digits = 5;
     unsigned int position = in.readPosition;

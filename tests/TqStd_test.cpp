@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <iomanip>
 #include <map>
 #include <set>
@@ -95,6 +96,17 @@ TEST(TqStd, FindsTextsOfAnyLengthInAMap) {
     EXPECT_EQ(numbers.size(), 100u);
     EXPECT_EQ(numbers["xxx"], 3);
     EXPECT_EQ(hashed.at(std::string(77, 'x').c_str()), 77);
+}
+
+// Texts and their hashes as they are known of FNV-1a; where a hash has more bits, these are its
+// last.
+TEST(TqStd, HashesOfTextsAreThoseOfTheirFunction) {
+    const auto hash = [](const char* text) {
+        return static_cast<std::uint32_t>(std::hash<TqString>()(text));
+    };
+    EXPECT_EQ(hash(""), 0x811C9DC5u);
+    EXPECT_EQ(hash("a"), 0xE40C292Cu);
+    EXPECT_EQ(hash("foobar"), 0xBF9CF968u);
 }
 
 TEST(TqStd, EqualFloatsHaveEqualHashes) {
