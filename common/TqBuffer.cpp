@@ -166,10 +166,13 @@ void TqBuffer::Append(const unsigned char* bytes, unsigned int count) {
         Report(__LINE__);
         return;
     }
-    const bool ownBytes = TqLiesIn(bytes, data, StorageSize(*this));
-    const std::size_t offset = ownBytes ? static_cast<std::size_t>(bytes - data) : 0;
-    TqMakeRoom(*this, count);
-    TqCopyBytes(data + length, ownBytes ? data + offset : bytes, count);
+    if (capacity - length < count) {
+        const bool ownBytes = TqLiesIn(bytes, data, StorageSize(*this));
+        const std::size_t offset = ownBytes ? static_cast<std::size_t>(bytes - data) : 0;
+        TqMakeRoom(*this, count);
+        if (ownBytes) bytes = data + offset;
+    }
+    TqCopyBytes(data + length, bytes, count);
     length += count;
 }
 
@@ -321,12 +324,7 @@ void TqWriteItem(TqBuffer& out, unsigned int statedLength, const void* payload,
     TqPutPair(digits + 1, statedLength / 100 % 100);
     TqPutPair(digits + 3, statedLength % 100);
     out.length += tqItemDigits;
-    if (payload == nullptr) {
-        Report(__LINE__);
-        return;
-    }
-    TqCopyBytes(out.data + out.length, payload, count);
-    out.length += count;
+    out.Append(static_cast<const unsigned char*>(payload), count);
 }
 
 TqItemPayload TqReadItem(TqBuffer& in) {

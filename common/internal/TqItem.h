@@ -18,7 +18,7 @@ struct TqItemPayload {
 
 /// Appends an item of `count` bytes at `payload` that states `statedLength`. The payload is
 /// not moved by making room in `out`. Of a length above 99999 only the first five digits are
-/// written. Null is reported, and the digits are all that is written.
+/// written. Null is reported as `TqBuffer::Append` does, and the digits stay.
 void TqWriteItem(TqBuffer& out, unsigned int statedLength, const void* payload, unsigned int count);
 
 /// Takes the item at the read position and moves that past it. An incomplete item is reported by
