@@ -510,7 +510,17 @@ TEST_F(TqfetchTarget, ATemporaryNameThatIsTakenIsLeftAlone) {
     const std::string taken[] = {start + std::to_string(getpid()),
                                  start + std::to_string(getpid() + 1)};
     for (const std::string& name : taken) WriteFile(name, "others'");
+    Names tried;
+    systemCalls.linkat = [&tried](int oldFolder, const char* oldName, int newFolder,
+                                  const char* newName, int flags) {
+        tried.push_back(newName);
+        return linkat(oldFolder, oldName, newFolder, newName, flags);
+    };
     Fetch(path, "new");
+    // Only files without a name are given one.
+    if (!tried.empty()) {
+        EXPECT_EQ(tried, Names({taken[0], taken[1], start + std::to_string(getpid() + 2)}));
+    }
     for (const std::string& name : taken) {
         EXPECT_EQ(ReadFile(name), "others'");
         unlink(name.c_str());
