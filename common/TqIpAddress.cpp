@@ -30,7 +30,12 @@ unsigned int ReadDigits(const char*& text, unsigned int most) {
     return number;
 }
 
-// Writes a field, at most 255, and returns where it ends.
+// Of a field, which is at most 255.
+unsigned int CountDigits(unsigned int field) {
+    return 1u + (field >= 10) + (field >= 100);
+}
+
+// Writes a field and returns where it ends.
 char* PutField(char* to, unsigned int field) {
     if (field >= 100) *to++ = static_cast<char>('0' + field / 100);
     if (field >= 10) *to++ = static_cast<char>('0' + field / 10 % 10);
@@ -112,13 +117,14 @@ void TqIpAddress::toString(TqString& out) const {
         out = "0.0.0.0";
         return;
     }
-    char* const begin = TqPlaceFor(out, sizeof "255.255.255.255" - 1);
-    char* end = begin;
+    unsigned int count = 3;
+    for (int shift = 24; shift >= 0; shift -= 8) count += CountDigits(address >> shift & 0xFF);
+    char* end = TqPlaceFor(out, count);
     for (int shift = 24; shift >= 0; shift -= 8) {
         if (shift != 24) *end++ = '.';
         end = PutField(end, address >> shift & 0xFF);
     }
-    TqCountAppended(out, static_cast<unsigned int>(end - begin));
+    TqCountAppended(out, count);
 }
 
 TqIpAddress::operator unsigned long() const {

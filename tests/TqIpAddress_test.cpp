@@ -262,6 +262,30 @@ TEST(TqIpAddress, ShowsZerosWhenNotValidWhateverItHolds) {
     EXPECT_EQ(TextOf(NotValid(0x0A000001)), "0.0.0.0");
 }
 
+// As appending its characters one by one would: an application's string may free nothing.
+TEST(TqIpAddress, ShowingTakesNoMoreRoomThanItsCharacters) {
+    class Kept : public TqString {
+    public:
+        using TqString::TqString;
+        void Free() override {}
+    };
+    const struct {
+        unsigned long address;
+        const char* shown;
+    } cases[] = {
+        {0x0A000001, "10.0.0.1"}, {0x09630AFF, "9.99.10.255"}, {0x64C80001, "100.200.0.1"}};
+    for (const auto& c : cases) {
+        for (std::size_t length : {17u, 20u, 23u, 24u}) {
+            Kept shown(Letters(static_cast<unsigned int>(length)).c_str());
+            const std::string whole = shown.data + std::string(c.shown);
+            TqIpAddress(c.address).toString(shown);
+            EXPECT_EQ(shown.data, whole);
+            EXPECT_EQ(shown.length, whole.size());
+            EXPECT_EQ(shown.capacity, whole.size() < 32 ? 32u : 48u) << whole;
+        }
+    }
+}
+
 TEST(TqIpAddress, ShowingFreesWhatTheStringHeld) {
     for (const TqIpAddress& address : {TqIpAddress(0xFFFFFFFF), TqIpAddress()}) {
         TqString out(Letters(100).c_str());
